@@ -1,0 +1,28 @@
+#include "common_new/assert_report.h"
+
+#include <cstdio>
+
+namespace ppt {
+
+namespace {
+
+void write_to_standard_error(const AssertReport& report) {
+    std::fprintf(stderr, "assertion failed: %s, %s, line %u\n", report.expression, report.source,
+                 report.line);
+}
+
+AssertHandler current_handler = write_to_standard_error;
+
+} // namespace
+
+AssertHandler set_assert_handler(AssertHandler handler) {
+    const AssertHandler before = current_handler;
+    current_handler = handler == nullptr ? write_to_standard_error : handler;
+    return before;
+}
+
+void report_assertion(const char* expression, const char* source, std::source_location where) {
+    current_handler({expression, source, where.line()});
+}
+
+} // namespace ppt

@@ -1,0 +1,115 @@
+#include "linkid/property_section.h"
+
+#include "common_new/common/conversion.h"
+#include "common_new/common/storage.h"
+#include "plugin/link_record.h"
+#include "plugin/status.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+namespace ppt {
+
+namespace {
+
+constexpr std::size_t kNameSize = 260;
+constexpr const WCHAR* kStreamName = WIDE("\005DocumentSummaryInformation");
+
+void throw_com_failure(HRESULT result) {
+    if (result != S_OK) {
+        throw static_cast<int>(j_translateComError(result));
+    }
+}
+
+// A name handed out by the enumerator.
+struct PropertyName {
+    ~PropertyName() { CoTaskMemFree(stat.lpwstrName); }
+    STATPROPSTG stat{};
+};
+
+} // namespace
+
+bool PropertyValue::get_text(std::string& text) const {
+    if (value_.vt == VT_LPSTR && value_.pszVal != nullptr) {
+        text.assign(value_.pszVal, std::min(std::strlen(value_.pszVal), kLinkTextLimit - 1));
+        return true;
+    }
+    if (value_.vt == VT_LPWSTR && value_.pwszVal != nullptr) {
+        std::array<char, kLinkTextLimit> ansi{};
+        const std::int32_t status =
+            j_wideToAnsi(value_.pwszVal, -1, ansi.data(), static_cast<std::int32_t>(ansi.size()));
+        if (status != status::kSuccess) {
+            throw static_cast<int>(status);
+        }
+        text = ansi.data();
+        return true;
+    }
+    return false;
+}
+
+bool PropertySection::open_for_reading(IStorage* root) {
+    const std::int32_t status = j_openStream(root, kStreamName, true, stream_.put());
+    if (status == status::kElementMissing) {
+        return false;
+    }
+    if (status != status::kSuccess) {
+        throw static_cast<int>(status);
+    }
+    const HRESULT result =
+        StgOpenPropStg(stream_.get(), FMTID_UserDefinedProperties, 0, 0, section_.put());
+    if (result == STG_E_FILENOTFOUND) {
+        return false;
+    }
+    throw_com_failure(result);
+    return true;
+}
+
+void PropertySection::open_for_writing(IStorage* root) {
+    std::int32_t status = j_openStream(root, kStreamName, false, stream_.put());
+    if (status == status::kElementMissing) {
+        status = j_translateComError(root->CreateStream(
+            kStreamName, STGM_READWRITE | STGM_SHARE_EXCLUSIVE, 0, 0, stream_.put()));
+    }
+    if (status != status::kSuccess) {
+        throw static_cast<int>(status);
+    }
+    if (FAILED(StgOpenPropStg(stream_.get(), FMTID_UserDefinedProperties, 0, 0, section_.put()))) {
+        throw_com_failure(StgCreatePropStg(stream_.get(), FMTID_UserDefinedProperties, nullptr, 0, 0,
+                                           section_.put()));
+    }
+}
+
+void PropertySection::for_each(const std::function<bool(const std::string&, PROPID)>& visit) {
+    ComPtr<IEnumSTATPROPSTG> properties;
+    throw_com_failure(section_->Enum(properties.put()));
+    for (;;) {
+        PropertyName property;
+        ULONG fetched = 0;
+        const HRESULT result = properties->Next(1, &property.stat, &fetched);
+        if (result == S_FALSE || fetched == 0) {
+            return;
+        }
+        throw_com_failure(result);
+        std::array<char, kNameSize> name{};
+        const bool readable =
+            property.stat.lpwstrName != nullptr &&
+            j_wideToAnsi(property.stat.lpwstrName, -1, name.data(),
+                         static_cast<std::int32_t>(name.size())) == status::kSuccess;
+        if (readable && !visit(name.data(), property.stat.propid)) {
+            return;
+        }
+    }
+}
+
+void PropertySection::read(const std::basic_string<WCHAR>& name, PropertyValue& value) {
+    PROPSPEC spec{};
+    spec.ulKind = PRSPEC_LPWSTR;
+    spec.lpwstr = const_cast<WCHAR*>(name.c_str());
+    const HRESULT result = section_->ReadMultiple(1, &spec, value.put());
+    if (result != S_FALSE) {
+        throw_com_failure(result);
+    }
+}
+
+} // namespace ppt

@@ -1,0 +1,167 @@
+#include "linkid/link_properties.h"
+
+#include "common_new/SafeFunc/paths.h"
+#include "common_new/SafeFunc/split_path.h"
+#include "common_new/common/conversion.h"
+#include "linkid/hyperlink_list.h"
+#include "linkid/link_id_tag.h"
+#include "linkid/property_section.h"
+#include "linkid/stored_path.h"
+#include "plugin/document_path.h"
+#include "plugin/error_params.h"
+#include "plugin/state.h"
+#include "plugin/status.h"
+#include "plugin/trace_log.h"
+
+#include <map>
+#include <new>
+
+namespace ppt {
+
+namespace {
+
+// Matches the values of link id properties to the records of the link table. A value matches every
+// record whose file name is the same address, and every record whose path the writer would store as
+// that value. Of several properties that match a record the last one counts, so the matches are
+// collected first and given to the records in one pass.
+class IdMatches {
+  public:
+    void add(const std::string& value, const std::string& id_text, PROPID property_id) {
+        const Match match{++order_, id_text, property_id};
+        auto& addresses = has_drive(value) ? with_drive_ : without_drive_;
+        addresses[link_address_key(value)] = match;
+        stored_[value] = match;
+    }
+
+    void give_to_links() {
+        if (order_ == 0) {
+            return;
+        }
+        for (LinkRecord& link : state().links.links()) {
+            if (const Match* match = last_match(link.file_name)) {
+                v_id64FromStr(&link.link_id, match->id_text.c_str());
+                link.property_id = match->property_id;
+            }
+        }
+        *this = IdMatches();
+    }
+
+  private:
+    struct Match {
+        std::size_t order = 0;
+        std::string id_text;
+        PROPID property_id = 0;
+    };
+    using Matches = std::map<std::string, Match>;
+
+    static void choose(const Match*& best, const Matches& matches, const std::string& key) {
+        const auto found = matches.find(key);
+        if (found != matches.end() && (best == nullptr || best->order < found->second.order)) {
+            best = &found->second;
+        }
+    }
+
+    const Match* last_match(const std::string& file_name) const {
+        const Match* best = nullptr;
+        const std::string_view name = file_name;
+        choose(best, with_drive_, link_address_key(name));
+        choose(best, without_drive_, link_address_key(has_drive(name) ? name.substr(2) : name));
+        if (!stored_.empty()) {
+            choose(best, stored_, stored_path(file_name, document_path()));
+        }
+        return best;
+    }
+
+    std::size_t order_ = 0;
+    Matches with_drive_;    // by address key, of values with a drive
+    Matches without_drive_; // by address key, of values without
+    Matches stored_;        // by value
+};
+
+// Fills the target of hyperlinks whose own records carry none. Only the first use of a hyperlink is
+// looked at.
+void fill_empty_targets(bytes::View value) {
+    const HyperlinkList list = parse_hyperlink_list(value);
+    for (std::size_t k = 0; k < list.entries.size(); ++k) {
+        const auto& uses = state().links.uses_of_hyperlink(static_cast<std::int32_t>(k));
+        if (uses.empty() || !uses.front()->file_name.empty()) {
+            continue;
+        }
+        const std::string target = ansi_from_wide(list.entries[k].target());
+        if (!b_checkLength(target, static_cast<std::int32_t>(kLinkTextLimit))) {
+            throw static_cast<int>(status::kTextTooLong);
+        }
+        uses.front()->file_name = target;
+    }
+}
+
+class PropertyReader {
+  public:
+    PropertyReader(PropertySection& section, std::int32_t flags)
+        : section_(section), flags_(flags) {}
+
+    void read_all() {
+        section_.for_each([this](const std::string& name, PROPID id) { return read(name, id); });
+        matches_.give_to_links();
+    }
+
+  private:
+    // False ends the enumeration.
+    bool read(const std::string& name, PROPID property_id) {
+        const bool is_list = name == kHyperlinkListName;
+        if (!is_list && !name.starts_with(kTargetFileIdName)) {
+            return true;
+        }
+        PropertyValue value;
+        section_.read(wide_from_ansi(name), value);
+        if (is_list) {
+            return read_list(value);
+        }
+        std::string text;
+        if (!value.get_text(text)) {
+            return true;
+        }
+        if ((flags_ & kFlagTargetFileId) != 0 && name == kTargetFileIdName) {
+            v_id64FromStr(&state().target_file_id, text.c_str());
+        } else if ((flags_ & kFlagLinks) != 0 && name.starts_with(kLinkIdTag)) {
+            matches_.add(text, name.substr(kLinkIdTag.size()), property_id);
+        }
+        return true;
+    }
+
+    // Ids from the document's own records take precedence over the properties behind the list.
+    bool read_list(const PropertyValue& value) {
+        if (!value.is_blob()) {
+            throw static_cast<int>(status::kNullArgument);
+        }
+        matches_.give_to_links();
+        fill_empty_targets(value.blob());
+        return !state().ids_in_document;
+    }
+
+    PropertySection& section_;
+    std::int32_t flags_;
+    IdMatches matches_;
+};
+
+} // namespace
+
+std::int32_t j_readLinkIdsFromProperties(IStorage* root, std::int32_t flags) {
+    v_logLine("Retrieving linkIDs from Document Properties\n");
+    try {
+        PropertySection section;
+        if (section.open_for_reading(root)) {
+            PropertyReader(section, flags).read_all();
+        }
+        return status::kSuccess;
+    } catch (int) {
+        v_setErrorParamText(document_path());
+        return status::kPropertiesFailed;
+    } catch (const std::bad_alloc&) {
+        return status::kOutOfMemory;
+    } catch (...) {
+        return status::kDamaged;
+    }
+}
+
+} // namespace ppt

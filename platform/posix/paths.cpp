@@ -1,0 +1,152 @@
+#include "platform/posix/paths.h"
+
+#include "platform/posix/ansi_text.h"
+#include "platform/posix/current_directory.h"
+#include "platform/posix/drives.h"
+#include "platform/posix/full_path.h"
+#include "platform/posix/kernel.h"
+#include "platform/posix/settings.h"
+#include "platform/unicode/upcase.h"
+#include "platform/unicode/utf8.h"
+
+#include <algorithm>
+#include <dirent.h>
+#include <memory>
+#include <optional>
+#include <sys/stat.h>
+
+namespace platform {
+
+namespace {
+
+struct CloseDirectory {
+    void operator()(DIR* directory) const { closedir(directory); }
+};
+
+bool exists(const std::string& native) {
+    struct stat status {};
+    return lstat(native.c_str(), &status) == 0;
+}
+
+// A name of the folder that differs in letter case only; the first in byte order, so that the
+// answer does not depend on the order of the directory. Cost: the names in the folder.
+std::optional<std::string> find_ignoring_case(const std::string& folder, const std::string& name) {
+    const auto wanted = unicode::utf8_to_utf16(name);
+    const std::unique_ptr<DIR, CloseDirectory> directory(
+        opendir(folder.empty() ? "/" : folder.c_str()));
+    if (!wanted || directory == nullptr) {
+        return std::nullopt;
+    }
+    std::optional<std::string> found;
+    while (const dirent* entry = readdir(directory.get())) {
+        const std::string_view candidate(entry->d_name);
+        const auto wide = unicode::utf8_to_utf16(candidate);
+        if (wide && unicode::equal_ignoring_case(*wide, *wanted) &&
+            (!found || candidate < *found)) {
+            found = candidate;
+        }
+    }
+    return found;
+}
+
+std::string below(const std::string& folder, const std::string& name) {
+    return folder + "/" + name;
+}
+
+// The names below the folder, each as it is spelled on the disk where it is there in any letter
+// case; from the first missing one on, and for the last `exact_count` names, as they were given.
+std::string look_up(const std::string& folder, const std::vector<std::string>& names,
+                    std::size_t exact_count) {
+    std::string as_given = folder;
+    for (const std::string& name : names) {
+        as_given = below(as_given, name);
+    }
+    if (exists(as_given)) {
+        return as_given;
+    }
+    std::string native = folder;
+    bool is_missing = false;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        std::string next = below(native, names[i]);
+        if (!is_missing && !exists(next)) {
+            const auto match = i + exact_count < names.size() ? find_ignoring_case(native, names[i])
+                                                              : std::nullopt;
+            is_missing = !match;
+            next = match ? below(native, *match) : next;
+        }
+        native = std::move(next);
+    }
+    return native;
+}
+
+// Windows' rule on names of drives and shares: no control characters, none of < > " | ? *, and a
+// colon only in the last name, where it would begin the name of a stream.
+bool is_name_allowed(const std::string& name, bool is_last) {
+    constexpr std::string_view kForbidden = "<>\"|?*";
+    return std::none_of(name.begin(), name.end(), [&](char c) {
+        return (c > 0 && c < ' ') || kForbidden.find(c) != std::string_view::npos ||
+               (c == ':' && !is_last);
+    });
+}
+
+std::string fail(DWORD error) {
+    SetLastError(error);
+    return {};
+}
+
+// A path of this machine that exists just as it was given, backslashes and all; nothing for one
+// that does not, and for a path of a drive or share.
+std::optional<std::string> existing_as_given(const std::string& path) {
+    std::string native;
+    if (path[0] == '/') {
+        native = path;
+    } else if (is_relative(path) && current_directory().root == FullPath::Root::machine) {
+        native = below(native_working_directory(), path);
+    }
+    return !native.empty() && exists(native) ? std::optional(native) : std::nullopt;
+}
+
+std::string native_path(const std::string& path, bool is_to_write) {
+    if (path.empty()) {
+        return fail(ERROR_PATH_NOT_FOUND);
+    }
+    if (auto native = existing_as_given(path)) {
+        return *native;
+    }
+    const FullPath full = full_path(path);
+    const bool is_of_machine = full.root == FullPath::Root::machine;
+    std::vector<std::string> names;
+    for (const std::string& ansi : full.names) {
+        const auto name = ansi_to_utf8(ansi);
+        const bool is_last = names.size() + 1 == full.names.size();
+        if (!name || (!is_of_machine && !is_name_allowed(*name, is_last))) {
+            return fail(ERROR_INVALID_NAME);
+        }
+        names.push_back(*name);
+    }
+    std::optional<std::string> folder = std::string();
+    if (!is_of_machine) {
+        const auto head = ansi_to_utf8(full.head);
+        folder = head ? DriveTable::instance().folder_of(*head) : std::nullopt;
+    }
+    if (!folder) {
+        return fail(ERROR_PATH_NOT_FOUND);
+    }
+    std::string native = look_up(*folder, names, is_to_write && is_of_machine ? 1 : 0);
+    if (native.empty() || full.ends_with_separator) {
+        native.push_back('/');
+    }
+    return native;
+}
+
+} // namespace
+
+std::string to_native_path(const std::string& path) {
+    return native_path(path, false);
+}
+
+std::string native_path_to_write(const std::string& path) {
+    return native_path(path, true);
+}
+
+} // namespace platform

@@ -1,0 +1,54 @@
+// IPropertyStorage over one section of a property set stream. The stream is read when the section
+// is opened and written at Commit, each time as a whole; in between all changes are in memory.
+//
+// Invariant: `set_` was opened on, or made from, the bytes that the stream holds, unless a commit
+// failed half-way.
+#pragma once
+
+#include "platform/base/com_ptr.h"
+#include "platform/posix/com_object.h"
+#include "platform/posix/property_storage.h"
+#include "platform/property_set/property_set.h"
+
+namespace platform {
+
+class PropertyStorage final : public ComObject<IPropertyStorage> {
+  public:
+    PropertyStorage(ComPtr<IStream> stream, REFFMTID format, property_set::PropertySet set)
+        : stream_(std::move(stream))
+        , format_(format)
+        , set_(std::move(set)) {}
+
+    HRESULT QueryInterface(REFIID iid, void** object) override {
+        return answer(iid, object, {IID_IPropertyStorage});
+    }
+
+    HRESULT ReadMultiple(ULONG count, const PROPSPEC* specs, PROPVARIANT* values) override;
+    HRESULT WriteMultiple(ULONG count, const PROPSPEC* specs, const PROPVARIANT* values,
+                          PROPID first_new_id) override;
+    HRESULT DeleteMultiple(ULONG count, const PROPSPEC* specs) override;
+    HRESULT ReadPropertyNames(ULONG count, const PROPID* ids, WCHAR** names) override;
+    HRESULT WritePropertyNames(ULONG count, const PROPID* ids, const WCHAR* const* names) override;
+    HRESULT DeletePropertyNames(ULONG count, const PROPID* ids) override;
+    HRESULT Commit(DWORD flags) override;
+    // Drops what was changed since the last commit.
+    HRESULT Revert() override;
+    HRESULT Enum(IEnumSTATPROPSTG** properties) override;
+    // The stream's header holds no times and its class id is never changed: both are refused.
+    HRESULT SetTimes(const FILETIME* created, const FILETIME* accessed,
+                     const FILETIME* modified) override;
+    HRESULT SetClass(REFCLSID clsid) override;
+    HRESULT Stat(STATPROPSETSTG* stat) override;
+
+  private:
+    // Writes what was not committed. Only Commit can report a failure of it.
+    ~PropertyStorage() override;
+
+    HRESULT write_changes();
+
+    ComPtr<IStream> stream_;
+    FMTID format_;
+    property_set::PropertySet set_;
+};
+
+} // namespace platform

@@ -1,0 +1,41 @@
+// See section_text.h.
+#include "platform/property_set/section_text.h"
+
+#include "platform/code_page/code_page.h"
+
+#include <algorithm>
+
+namespace property_set {
+namespace {
+
+constexpr std::uint32_t kAscii = 20127;
+
+} // namespace
+
+SectionText::SectionText(std::uint32_t code_page)
+    : code_page_(code_page)
+    , converted_as_(code_page::known(code_page) ? code_page : kAscii) {}
+
+bool SectionText::is_utf16() const {
+    return code_page_ == code_page::kUtf16;
+}
+
+std::optional<std::u16string> SectionText::decode(bytes::View raw) const {
+    if (is_utf16()) {
+        auto text = code_page::decode_lossy(code_page::kUtf16, raw);
+        text->resize(std::min(text->find(u'\0'), text->size()));
+        return text;
+    }
+    const auto terminator = std::find(raw.begin(), raw.end(), std::uint8_t{0});
+    return code_page::decode(converted_as_, {raw.begin(), terminator});
+}
+
+std::optional<bytes::Bytes> SectionText::encode(std::u16string_view text) const {
+    auto encoded = code_page::encode(converted_as_, text);
+    if (encoded) {
+        encoded->resize(encoded->size() + (is_utf16() ? 2 : 1));
+    }
+    return encoded;
+}
+
+} // namespace property_set

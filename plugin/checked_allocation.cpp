@@ -1,0 +1,23 @@
+#include "plugin/checked_allocation.h"
+
+#include "common_new/common/storage.h"
+#include "plugin/error_params.h"
+#include "plugin/status.h"
+
+namespace ppt {
+
+namespace {
+bool handler_installed = false;
+}
+
+void install_new_handler() { handler_installed = true; }
+
+void throw_out_of_memory(std::size_t requested) {
+    if (handler_installed) {
+        v_setErrorParamNumbers(static_cast<std::int32_t>(requested),
+                               static_cast<std::int32_t>(n_getAvailablePhysicalMemory()));
+    }
+    throw static_cast<int>(status::kOutOfMemory);
+}
+
+} // namespace ppt

@@ -1,0 +1,101 @@
+// j_rewriteFile: copies the loaded presentation, rewrites the changed links in the copy and stores
+// the link ids in its document properties.
+#include "common_new/common/conversion.h"
+#include "common_new/common/files.h"
+#include "common_new/common/storage.h"
+#include "linkid/link_properties.h"
+#include "plugin/document_path.h"
+#include "plugin/error_params.h"
+#include "plugin/sequences.h"
+#include "plugin/state.h"
+#include "plugin/status.h"
+#include "plugin/trace_log.h"
+#include "reader/presentation.h"
+#include "rewriter/rewrite_driver.h"
+
+#include <array>
+#include <cstring>
+#include <new>
+
+namespace ppt {
+
+namespace {
+
+constexpr std::int32_t kPathLimit = 1024;
+
+void cut_trailing_blanks(char* path) {
+    for (std::size_t length = std::strlen(path); length > 0 && path[length - 1] == ' '; --length) {
+        path[length - 1] = '\0';
+    }
+}
+
+std::int32_t rewrite_copy(ComPtr<IStorage> root, std::int32_t flags) {
+    PptPresentation copy(std::move(root));
+    ComPtr<IStream> stream;
+    std::int32_t status =
+        j_openStream(copy.root(), WIDE("PowerPoint Document"), false, stream.put());
+    if (status != status::kSuccess) {
+        return status;
+    }
+    copy.v_setDocumentStream(std::move(stream));
+    copy.v_readPersistDirectory();
+    copy.v_buildObjectArray();
+    status = j_rewriteLinks(copy, flags);
+    copy.v_releaseDocumentStream();
+    v_logLine("Link paths have been rewritten\n");
+    if (status != status::kSuccess) {
+        return status;
+    }
+    status = j_writeLinkIdsToProperties(copy.root(), flags);
+    v_logLine("LinkIds have been reset\n");
+    if (status != status::kSuccess) {
+        return status;
+    }
+    // The release of a storage cannot report that its last writes failed; a commit can.
+    return j_translateComError(copy.root()->Commit(STGC_DEFAULT));
+}
+
+} // namespace
+
+std::int32_t rewrite_file(char* path, std::int32_t flags) {
+    if (path == nullptr) {
+        return status::kNullArgument;
+    }
+    cut_trailing_blanks(path);
+    if (!b_checkLength(path, kPathLimit)) {
+        return status::kTextTooLong;
+    }
+    const bool loaded = state().presentation != nullptr;
+    if (!loaded) {
+        return status::kNullArgument;
+    }
+    std::int32_t status = j_copyFile(document_path().c_str(), path, false);
+    if (status != status::kSuccess) {
+        return status;
+    }
+    v_logLine("Rewriting file %s\n", document_path().c_str());
+    std::array<WCHAR, kPathLimit> wide_path{};
+    status = j_ansiToWide(path, wide_path.data(), kPathLimit);
+    ComPtr<IStorage> root;
+    if (status == status::kSuccess) {
+        status = j_openStorageFile(wide_path.data(), false, root.put());
+    }
+    if (status != status::kSuccess) {
+        return status;
+    }
+    try {
+        status = rewrite_copy(std::move(root), flags);
+    } catch (int failure) {
+        status = failure;
+    } catch (const std::bad_alloc&) {
+        status = status::kOutOfMemory;
+    } catch (...) {
+        v_setErrorParamText(path);
+        status = status::kWriteFault;
+    }
+    v_unload();
+    v_logLine("File has been rewritten, j_status=%i\n", status);
+    return status;
+}
+
+} // namespace ppt

@@ -1,0 +1,47 @@
+// The process-wide state of the plug-in. It exists once, has no lock and is emptied by `v_unload`,
+// except for what start-up set (options, version ceiling), the error parameters and the links that
+// the last rewrite could not write.
+#pragma once
+
+#include "hostapi/hostapi.h"
+#include "plugin/link_table.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace ppt {
+
+class PptPresentation;
+
+// Flags of loading and rewriting.
+inline constexpr std::int32_t kFlagLinks = 1;
+inline constexpr std::int32_t kFlagTargetFileId = 2;
+
+struct PluginState {
+    PluginState() { v_id64Set(&target_file_id, 1); }
+
+    std::string options; // letters, at most 259
+    std::int32_t version_ceiling = 0;
+    // The loaded presentation, which owns its compound file; shared only to keep its type out of
+    // this floor.
+    std::shared_ptr<PptPresentation> presentation;
+    LinkTable links;
+    id64 target_file_id{};
+    // Link ids or the target file id were found in the document's own records.
+    bool ids_in_document = false;
+    // Table indexes of the changed links that the last rewrite could not write where they stand on
+    // their pages. Kept when the presentation is unloaded, which the rewrite itself does.
+    std::vector<std::size_t> links_not_written;
+
+    bool has_option(char letter) const { return options.find(letter) != std::string::npos; }
+};
+
+PluginState& state();
+
+// Forgets the loaded presentation with all that was learnt of it.
+void v_unload();
+
+} // namespace ppt

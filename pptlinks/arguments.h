@@ -1,0 +1,55 @@
+// What the user asks for, taken from the command line. All texts are in UTF-8.
+#pragma once
+
+#include "pptlinks/path_map.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace pptlinks {
+
+struct CommonArguments {
+    std::string options; // letters for the plug-in
+    std::optional<std::uint32_t> code_page;
+    std::vector<std::string> drives;
+};
+
+struct ListArguments {
+    CommonArguments common;
+    std::vector<std::string> files;
+    bool json = false;
+};
+
+// A value for the link with the index: a path, or an id in decimal.
+struct IndexedValue {
+    std::int32_t index = 0;
+    std::string value;
+};
+
+struct RelinkArguments {
+    CommonArguments common;
+    std::string file;
+    std::string out;
+    std::vector<IndexedValue> paths;
+    std::vector<PathMapEntry> maps;
+    std::vector<IndexedValue> ids;
+    std::optional<std::string> target_id;
+};
+
+// Nothing to do but to print: help or version (status 0), or what is wrong with the arguments.
+struct PrintAndExit {
+    int status = 0;
+    std::string out;
+    std::string error;
+};
+
+inline constexpr int kExitFileFailed = 1;
+inline constexpr int kExitWrongUsage = 2;
+
+std::variant<ListArguments, RelinkArguments, PrintAndExit> parse_arguments(int argc,
+                                                                           const char* const* argv);
+
+} // namespace pptlinks

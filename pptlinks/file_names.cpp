@@ -1,0 +1,68 @@
+#include "pptlinks/file_names.h"
+
+#include "platform/posix/settings.h"
+#include "plugin/status.h"
+#include "pptlinks/failure.h"
+#include "pptlinks/text_encoding.h"
+
+#include <filesystem>
+#include <system_error>
+
+namespace pptlinks {
+
+namespace {
+
+bool is_separator(char c) {
+    return c == '/' || c == '\\';
+}
+
+bool has_windows_root(const std::string& path) {
+    const auto is_letter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
+    const bool has_drive =
+        path.size() > 2 && is_letter(path[0]) && path[1] == ':' && is_separator(path[2]);
+    return has_drive || path.starts_with("\\\\");
+}
+
+std::string ansi_or_throw(const std::string& text) {
+    const std::optional<std::string> ansi = ansi_from_utf8(text);
+    if (!ansi) {
+        throw StatusFailure(ppt::status::kNoUnicodeForm, {});
+    }
+    return *ansi;
+}
+
+// Up to and including the last separator. In UTF-8, where no byte of a longer character is one.
+std::string folder_of(const std::string& path) {
+    return path.substr(0, path.find_last_of("/\\") + 1);
+}
+
+} // namespace
+
+FileName file_name(const std::string& typed) {
+    FileName file;
+    file.typed = typed;
+    file.is_windows_path = has_windows_root(typed);
+    if (file.is_windows_path) {
+        file.ansi = ansi_or_throw(typed);
+        file.native = platform::to_native_path(file.ansi);
+        return file;
+    }
+    std::error_code no_current_folder;
+    file.native = std::filesystem::absolute(typed, no_current_folder).string();
+    file.ansi = ansi_or_throw(no_current_folder ? typed : file.native);
+    return file;
+}
+
+FileName beside(const FileName& file, const std::string& name) {
+    FileName other = file;
+    other.native = (std::filesystem::path(file.native).parent_path() / name).string();
+    other.ansi = ansi_or_throw(file.is_windows_path ? folder_of(file.typed) + name : other.native);
+    return other;
+}
+
+bool is_same_file(const FileName& a, const FileName& b) {
+    std::error_code missing;
+    return std::filesystem::equivalent(a.native, b.native, missing);
+}
+
+} // namespace pptlinks

@@ -1,0 +1,28 @@
+// A file as the user named it, as the plug-in is told of it and as this system finds it.
+//
+// The plug-in matches link ids relative to the presentation's folder, so it always gets a full
+// path: a Windows path (C:\..., \\server\share\...) as it stands, any other made absolute here.
+#pragma once
+
+#include <string>
+
+namespace pptlinks {
+
+struct FileName {
+    std::string typed;  // in UTF-8, for messages
+    std::string ansi;   // full path in the ANSI code page, for the plug-in
+    std::string native; // full path in the bytes of the file system; empty when a Windows path
+                        // names a drive or share that is not mapped
+    bool is_windows_path = false;
+};
+
+// Throws StatusFailure 6505 for a name that the ANSI code page cannot hold.
+FileName file_name(const std::string& typed);
+
+// Another file in the same folder; `name` is ASCII.
+FileName beside(const FileName& file, const std::string& name);
+
+// Whether both are there and are one file, whatever their names.
+bool is_same_file(const FileName& a, const FileName& b);
+
+} // namespace pptlinks

@@ -1,0 +1,51 @@
+#include "pptlinks/json_output.h"
+
+#include "pptlinks/text_encoding.h"
+
+#include <nlohmann/json.hpp>
+
+namespace pptlinks {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+std::string dump(const Json& value) {
+    return value.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+std::string utf8(const std::string& ansi) {
+    return utf8_from_wide(wide_from_ansi(ansi));
+}
+
+Json text_or_null(const std::optional<std::string>& text) {
+    return text ? Json(*text) : Json(nullptr);
+}
+
+std::string link_object(const Link& link, std::size_t index) {
+    return dump(Json{{"index", index},
+                     {"kind", name_of(link.kind)},
+                     {"page", link.page},
+                     {"path", utf8(link.path)},
+                     {"id", text_or_null(link.id)},
+                     {"text", utf8(link.text)}});
+}
+
+} // namespace
+
+// Links are written one by one: a tree of all of them would be many times the size of the output.
+void append_json(std::string& out, const Listing& listing) {
+    out += "{\"file\":" + dump(listing.file);
+    out += ",\"status\":" + std::to_string(listing.status);
+    out += ",\"target_file_id\":" + dump(text_or_null(listing.target_file_id));
+    out += ",\"links\":[";
+    for (std::size_t i = 0; i < listing.links.size(); ++i) {
+        if (i > 0) {
+            out.push_back(',');
+        }
+        out += link_object(listing.links[i], i);
+    }
+    out += "]}\n";
+}
+
+} // namespace pptlinks

@@ -1,0 +1,233 @@
+#include "pptlinks/session.h"
+
+#include "platform/posix/settings.h"
+#include "plugin/exports.h"
+#include "plugin/state.h"
+#include "plugin/status.h"
+#include "pptlinks/text_encoding.h"
+#include "reader/presentation.h"
+#include "reader/record_types.h"
+
+#include <algorithm>
+
+namespace pptlinks {
+
+namespace {
+
+// The version that the host library reports is one byte of the file, 3 in all files of the format.
+// No file is refused for that byte alone: what cannot be read shows in its structure.
+constexpr std::int32_t kVersionCeiling = 255;
+
+constexpr std::int32_t kAllFlags = ppt::kFlagLinks | ppt::kFlagTargetFileId;
+
+constexpr std::size_t kTextBuffer = 1024; // what the plug-in fills at most
+constexpr std::size_t kIdBuffer = 32;
+
+WideString error_parameter_text() {
+    const ppt::ErrorParamArray* const array = ps_getErrorParamArray();
+    return array->text == nullptr ? WideString() : WideString(array->text);
+}
+
+std::vector<WideString> split_parameters(const WideString& text) {
+    std::vector<WideString> parameters;
+    std::size_t start = 0;
+    while (start <= text.size()) {
+        const std::size_t end = std::min(text.find(ppt::kErrorParamSeparator, start), text.size());
+        parameters.push_back(text.substr(start, end - start));
+        start = end + 1;
+    }
+    return parameters;
+}
+
+// Tells the parameters of the next failure from those of an earlier one, which a failure without
+// parameters leaves in place: puts a text there that only a question for link -1 gives.
+class ErrorParameterMark {
+  public:
+    ErrorParameterMark() {
+        char buffer[kTextBuffer];
+        j_getLinkFileName(-1, 0, buffer);
+        mark_ = error_parameter_text();
+    }
+
+    // Throws StatusFailure unless the call that was made since succeeded.
+    void require_success(std::int32_t result, bool while_rewriting = false) const {
+        if (result == ppt::status::kSuccess) {
+            return;
+        }
+        const WideString text = error_parameter_text();
+        StatusFailure failure(result,
+                              text == mark_ ? std::vector<WideString>() : split_parameters(text));
+        failure.while_rewriting = while_rewriting;
+        throw failure;
+    }
+
+  private:
+    WideString mark_;
+};
+
+const ppt::LinkRecord& record_at(std::int32_t index) {
+    return *ppt::state().links.at(index);
+}
+
+LinkKind kind_of(const ppt::LinkRecord& record) {
+    switch (record.record_type) {
+    case ppt::RT_ExternalHyperlink:
+        return LinkKind::hyperlink;
+    case ppt::RT_ExternalVideo:
+        return LinkKind::movie;
+    case ppt::RT_ExternalMidiAudio:
+        return LinkKind::midi;
+    case ppt::RT_ExternalWavAudioLink:
+        return LinkKind::sound;
+    case 0:
+        return LinkKind::picture;
+    default:
+        return LinkKind::ole;
+    }
+}
+
+std::string page_of(const ppt::LinkRecord& record) {
+    constexpr const char* kNames[] = {"slide ", "master ", "notes "};
+    const std::vector<ppt::Page>& pages = ppt::state().presentation->pages;
+    const auto index = static_cast<std::size_t>(record.slide_index);
+    if (record.slide_index < 0 || index >= pages.size()) {
+        return {};
+    }
+    return kNames[static_cast<std::size_t>(pages[index].kind)] +
+           std::to_string(pages[index].number);
+}
+
+std::optional<std::string> id_text(const id64& id) {
+    if (b_id64IsClear(&id) != 0) {
+        return std::nullopt;
+    }
+    char text[kIdBuffer];
+    v_id64ToStr(&id, text);
+    return text;
+}
+
+id64 id_of(const std::string& text) {
+    id64 id;
+    v_id64FromStr(&id, text.c_str());
+    return id;
+}
+
+} // namespace
+
+std::string_view name_of(LinkKind kind) {
+    constexpr std::string_view kNames[] = {"hyperlink", "ole", "movie", "midi", "sound", "picture"};
+    return kNames[static_cast<std::size_t>(kind)];
+}
+
+Session::Session(const CommonArguments& arguments) {
+    if (arguments.code_page && !platform::set_ansi_code_page(*arguments.code_page)) {
+        throw UsageError("--code-page: this system does not know code page " +
+                         std::to_string(*arguments.code_page));
+    }
+    for (const std::string& entry : arguments.drives) {
+        if (!platform::map_drive(entry)) {
+            throw UsageError("--drive: '" + entry +
+                             "' is not of the form 'Z:=/folder', '\\\\server\\share=/folder' or "
+                             "'Z:=\\\\server\\share'");
+        }
+    }
+    v_setNewMode();
+    const std::int32_t result = j_initDLL(kVersionCeiling, 0, arguments.options.c_str());
+    if (result != ppt::status::kSuccess) {
+        throw StatusFailure(result, {});
+    }
+}
+
+Session::~Session() {
+    j_termDLL(0, 0);
+}
+
+LoadedPresentation::LoadedPresentation(const std::string& ansi_path) {
+    const ErrorParameterMark mark;
+    const std::int32_t result = j_loadFile(ansi_path.c_str(), kAllFlags);
+    try {
+        mark.require_success(result);
+    } catch (StatusFailure& failure) {
+        failure.is_foreign_file = result == ppt::status::kInUseByOther &&
+                                  StgIsStorageFile(wide_from_ansi(ansi_path).c_str()) == S_FALSE;
+        throw;
+    }
+}
+
+LoadedPresentation::~LoadedPresentation() {
+    j_unLoadFile();
+}
+
+std::int32_t LoadedPresentation::link_count() const {
+    return n_getLinkCount();
+}
+
+Link LoadedPresentation::link(std::int32_t index) const {
+    const auto require_success = [](std::int32_t result) {
+        if (result != ppt::status::kSuccess) {
+            throw StatusFailure(result, split_parameters(error_parameter_text()));
+        }
+    };
+    char text[kTextBuffer];
+    id64 id;
+    Link link;
+    require_success(j_getLinkFileName(index, 0, text));
+    link.path = text;
+    require_success(j_getHyperlinkText(index, text));
+    link.text = text;
+    require_success(j_getLinkId(index, 0, &id));
+    link.id = id_text(id);
+    const ppt::LinkRecord& record = record_at(index);
+    link.kind = kind_of(record);
+    link.page = page_of(record);
+    link.object_list_ordinal = record.object_list_ordinal;
+    link.external_object_id = record.external_object_id;
+    link.is_held_by_page_text =
+        link.kind == LinkKind::hyperlink &&
+        record.holder_persist_id != ppt::state().links.document_persist_id();
+    return link;
+}
+
+std::vector<Link> LoadedPresentation::links() const {
+    std::vector<Link> all;
+    for (std::int32_t index = 0; index < link_count(); ++index) {
+        all.push_back(link(index));
+    }
+    return all;
+}
+
+std::optional<std::string> LoadedPresentation::target_file_id() const {
+    id64 id;
+    j_getTargetFileId(0, &id);
+    return id_text(id);
+}
+
+bool LoadedPresentation::keeps_ids_in_pages() const {
+    return ppt::state().ids_in_document;
+}
+
+bool LoadedPresentation::set_path(std::int32_t index, const std::string& path) {
+    const ErrorParameterMark mark;
+    mark.require_success(j_setLinkFileName(index, path.c_str(), 0));
+    return record_at(index).path_changed();
+}
+
+void LoadedPresentation::set_id(std::int32_t index, const std::string& id) {
+    const ErrorParameterMark mark;
+    const id64 value = id_of(id);
+    mark.require_success(j_setLinkId(index, 0, &value));
+}
+
+void LoadedPresentation::set_target_file_id(const std::string& id) {
+    const id64 value = id_of(id);
+    j_setTargetFileId(0, &value);
+}
+
+void LoadedPresentation::rewrite(const std::string& ansi_path) {
+    const ErrorParameterMark mark;
+    std::vector<char> path(ansi_path.begin(), ansi_path.end()); // changed in place by the call
+    path.push_back('\0');
+    mark.require_success(j_rewriteFile(path.data(), kAllFlags), true);
+}
+
+} // namespace pptlinks

@@ -1,0 +1,23 @@
+// Conversions between the three encodings that meet here: the plug-in's ANSI code page, UTF-16 and
+// the UTF-8 of the command line and of all output.
+#pragma once
+
+#include "pptlinks/failure.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace pptlinks {
+
+// What does not decode becomes U+FFFD.
+WideString wide_from_ansi(std::string_view text);
+WideString wide_from_utf8(std::string_view text);
+
+// Always valid UTF-8: half of a surrogate pair becomes U+FFFD.
+std::string utf8_from_wide(WideView text);
+
+// None when the ANSI code page has no form of some character.
+std::optional<std::string> ansi_from_utf8(std::string_view text);
+
+} // namespace pptlinks

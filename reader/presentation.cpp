@@ -1,0 +1,230 @@
+#include "reader/presentation.h"
+
+#include "common_new/common/storage.h"
+#include "plugin/checked_allocation.h"
+#include "plugin/document_path.h"
+#include "plugin/error_params.h"
+#include "plugin/status.h"
+#include "reader/record_header.h"
+#include "reader/record_types.h"
+
+#include <unordered_set>
+
+namespace ppt {
+
+namespace {
+
+void throw_failure(std::int32_t status) {
+    if (status != status::kSuccess) {
+        throw static_cast<int>(status);
+    }
+}
+
+RecordHeader read_header(IStream* stream) {
+    RecordHeaderBytes raw{};
+    throw_failure(j_readStream(stream, raw.data(), static_cast<std::int32_t>(raw.size()), nullptr));
+    return decode_record_header(raw);
+}
+
+} // namespace
+
+PptPresentation::PptPresentation(ComPtr<IStorage> root) : root_(std::move(root)) {
+    read_current_user();
+}
+
+void PptPresentation::read_current_user() {
+    ComPtr<IStream> stream;
+    if (j_openStream(root_.get(), WIDE("Current User"), true, stream.put()) != status::kSuccess) {
+        return;
+    }
+    RecordHeaderBytes header{};
+    CurrentUserBytes fixed{};
+    if (j_readStream(stream.get(), header.data(), static_cast<std::int32_t>(header.size()),
+                     nullptr) != status::kSuccess) {
+        return;
+    }
+    ULONG read = 0;
+    const HRESULT result = stream->Read(fixed.data(), static_cast<ULONG>(fixed.size()), &read);
+    if (FAILED(result) || read < fixed.size()) {
+        return;
+    }
+    current_user_ = decode_current_user(fixed);
+    current_user_valid_ = current_user_.is_valid();
+}
+
+IStream* PptPresentation::ps_getDocumentStream() {
+    if (!document_ && current_user_valid_) {
+        throw_failure(
+            j_openStream(root_.get(), WIDE("PowerPoint Document"), true, document_.put()));
+        STATSTG stat{};
+        throw_failure(j_translateComError(document_->Stat(&stat, STATFLAG_NONAME)));
+        document_size_ = stat.cbSize.QuadPart;
+    }
+    return document_.get();
+}
+
+void PptPresentation::v_setDocumentStream(ComPtr<IStream> stream) {
+    document_ = std::move(stream);
+    document_size_.reset();
+}
+
+void PptPresentation::v_releaseDocumentStream() { v_setDocumentStream({}); }
+
+IStream* PptPresentation::stream_or_throw() {
+    IStream* stream = ps_getDocumentStream();
+    if (stream == nullptr) {
+        throw static_cast<int>(status::kNullArgument);
+    }
+    return stream;
+}
+
+std::uint64_t PptPresentation::document_size() {
+    IStream* stream = stream_or_throw();
+    if (document_size_) {
+        return *document_size_;
+    }
+    STATSTG stat{};
+    throw_failure(j_translateComError(stream->Stat(&stat, STATFLAG_NONAME)));
+    return stat.cbSize.QuadPart;
+}
+
+void PptPresentation::v_readPersistDirectory() {
+    if (current_user_edit_ || current_user_.offset_to_current_edit == 0) {
+        return;
+    }
+    std::unordered_set<std::uint32_t> edits_seen;
+    std::unordered_set<std::uint32_t> directories_seen;
+    std::uint32_t offset = current_user_.offset_to_current_edit;
+    do {
+        const bool returned_to_an_edit = !edits_seen.insert(offset).second;
+        if (returned_to_an_edit) {
+            throw static_cast<int>(status::kDamaged);
+        }
+        UserEdit edit;
+        read_user_edit(offset, edit);
+        user_edits_.push_back({offset, edit});
+        if (!current_user_edit_) {
+            persist_directory_ = std::make_unique<PersistDirectory>();
+            current_user_edit_ = edit;
+        }
+        // A directory that a newer edit shares has nothing to add.
+        if (directories_seen.insert(edit.offset_of_persist_directory).second) {
+            read_persist_block(edit.offset_of_persist_directory);
+        }
+        offset = edit.offset_of_last_edit;
+    } while (offset != 0);
+}
+
+void PptPresentation::read_user_edit(std::uint32_t offset, UserEdit& edit) {
+    IStream* stream = stream_or_throw();
+    throw_failure(j_seekStream(document_path().c_str(), stream, static_cast<std::int32_t>(offset),
+                               0, nullptr));
+    if (read_header(stream).type != RT_UserEditAtom) {
+        throw static_cast<int>(status::kDamaged);
+    }
+    UserEditBytes raw{};
+    throw_failure(j_readStream(stream, raw.data(), static_cast<std::int32_t>(raw.size()), nullptr));
+    edit = decode_user_edit(raw);
+}
+
+void PptPresentation::read_persist_block(std::uint32_t offset) {
+    IStream* stream = stream_or_throw();
+    throw_failure(j_seekStream(document_path().c_str(), stream, static_cast<std::int32_t>(offset),
+                               0, nullptr));
+    const RecordHeader header = read_header(stream);
+    if (header.is_container() || header.type != RT_PersistDirectoryAtom) {
+        throw static_cast<int>(status::kDamaged);
+    }
+    // No memory is taken on the word of a header whose body the stream does not hold.
+    const std::uint64_t available = document_size() - n_tellDocument();
+    if (header.length > available) {
+        v_setErrorParamText(document_path());
+        b_appendErrorParamNumber(static_cast<std::int32_t>(available));
+        b_appendErrorParamNumber(static_cast<std::int32_t>(header.length));
+        throw static_cast<int>(status::kShortRead);
+    }
+    persist_bytes_read_ += header.length;
+    const bool directories_overlap = persist_bytes_read_ > document_size();
+    if (directories_overlap) {
+        throw static_cast<int>(status::kDamaged);
+    }
+    bytes::Bytes body;
+    resize_checked(body, header.length);
+    if (!body.empty()) {
+        throw_failure(j_readStream(stream, body.data(), static_cast<std::int32_t>(header.length)));
+    }
+    std::vector<std::uint32_t> words;
+    resize_checked(words, body.size() / 4);
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        words[i] = bytes::load_u32(body, 4 * i);
+    }
+    persist_directory_->append_block(std::move(words));
+}
+
+void PptPresentation::v_buildObjectArray() {
+    if (persist_directory_) {
+        persist_directory_->v_buildObjectArray();
+        persist_directory_->v_noteObjectAtStart(current_user_edit_->document_persist_id);
+    }
+}
+
+void PptPresentation::v_seekDocumentContainer() {
+    const std::uint32_t offset =
+        persist_directory().n_lookupPersistId(current_user_edit().document_persist_id);
+    throw_failure(j_seekStream(document_path().c_str(), stream_or_throw(),
+                               static_cast<std::int32_t>(offset), 0, nullptr));
+}
+
+std::uint32_t PptPresentation::n_tellDocument() {
+    std::uint32_t position = 0;
+    throw_failure(j_seekStream("", stream_or_throw(), 0, 1, &position));
+    return position;
+}
+
+void PptPresentation::v_seekDocument(std::uint32_t offset) {
+    throw_failure(j_seekStream("", stream_or_throw(), static_cast<std::int32_t>(offset), 0, nullptr));
+}
+
+void PptPresentation::v_skipDocument(std::int32_t count) {
+    throw_failure(j_seekStream("", stream_or_throw(), count, 1, nullptr));
+}
+
+void PptPresentation::v_readDocument(std::span<std::uint8_t> out) {
+    if (out.empty()) {
+        return;
+    }
+    ULONG read = 0;
+    const HRESULT result =
+        stream_or_throw()->Read(out.data(), static_cast<ULONG>(out.size()), &read);
+    if (FAILED(result)) {
+        throw static_cast<int>(j_translateComError(result));
+    }
+    if (read < out.size()) {
+        throw static_cast<int>(status::kDamaged);
+    }
+}
+
+void PptPresentation::v_requireDocumentBytes(std::uint32_t count) {
+    const std::uint64_t size = document_size();
+    const std::uint64_t position = n_tellDocument();
+    const bool inside = position <= size && count <= size - position;
+    if (!inside) {
+        throw static_cast<int>(status::kDamaged);
+    }
+}
+
+PersistDirectory& PptPresentation::persist_directory() {
+    if (!persist_directory_) {
+        throw static_cast<int>(status::kDamaged);
+    }
+    return *persist_directory_;
+}
+
+UserEdit& PptPresentation::current_user_edit() {
+    if (!current_user_edit_) {
+        throw static_cast<int>(status::kDamaged);
+    }
+    return *current_user_edit_;
+}
+
+} // namespace ppt

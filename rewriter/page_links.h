@@ -1,0 +1,29 @@
+// The links that stand in the records of a page, where the rewriting looks for them: the names of
+// linked pictures and the displayed texts of hyperlinks.
+#pragma once
+
+#include "plugin/link_record.h"
+#include "reader/record.h"
+#include "rewriter/rewrite_copy.h"
+
+#include <cstddef>
+#include <vector>
+
+namespace ppt {
+
+// Whether a link lies inside a record: behind its first byte and before its end.
+bool b_liesInside(const LinkRecord& link, const PptRecord& record);
+
+// Whether the options ask for displayed texts to become the new path.
+bool b_rewritesTexts();
+
+// Whether the text of a changed hyperlink becomes the new path: the options ask for it, and with
+// "e" among them it was the old path.
+bool b_textFollowsPath(const LinkRecord& link);
+
+// Table indexes of the changed links that stand in pages and should have been written there, but
+// were not: the place of a picture's name was not certain, the runs of a text are not understood,
+// the page or shape was never reached. Cost: the length of the link table.
+std::vector<std::size_t> links_not_written(const RewriteCopy& copy);
+
+} // namespace ppt

@@ -1,0 +1,44 @@
+// The state of one rewrite: the loaded presentation, the copy that is being rewritten in place, and
+// how far both are.
+//
+// Nothing is written before the first rewritten object, since the copy already holds those bytes.
+// From then on everything behind it is moved by copying it anew from the loaded presentation.
+#pragma once
+
+#include "reader/presentation.h"
+#include "rewriter/copy_writer.h"
+#include "rewriter/shift_table.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <unordered_set>
+
+namespace ppt {
+
+struct RewriteCopy {
+    RewriteCopy(PptPresentation& loaded_presentation, PptPresentation& copy_presentation)
+        : loaded(loaded_presentation)
+        , copy(copy_presentation)
+        , writer(copy_presentation.ps_getDocumentStream()) {}
+
+    bool has_written() const { return copy_position > 0; }
+
+    // Notes that the loaded stream was consumed, and the copy written, up to their current positions.
+    void v_notePositions() {
+        copy_position = writer.tell();
+        loaded_position = loaded.n_tellDocument();
+    }
+
+    PptPresentation& loaded; // only read
+    PptPresentation& copy;
+    CopyWriter writer;       // on the copy's document stream
+    ShiftTable shifts;
+    // Table indexes of the links whose picture name or displayed text was written.
+    std::unordered_set<std::size_t> written_links;
+
+    std::uint32_t copy_position = 0;      // behind the last record written; 0: none yet
+    std::uint32_t loaded_position = 0;    // behind the last record consumed and written
+    std::uint32_t first_moved_offset = 0; // of the first object moved by a change before it; 0: none
+};
+
+} // namespace ppt

@@ -1,0 +1,127 @@
+#include "rewriter/rewrite_driver.h"
+
+#include "common_new/common/storage.h"
+#include "plugin/document_path.h"
+#include "plugin/link_table.h"
+#include "plugin/state.h"
+#include "plugin/status.h"
+#include "rewriter/document_rewriter.h"
+#include "rewriter/page_links.h"
+#include "rewriter/persist_writer.h"
+#include "rewriter/slide_rewriter.h"
+
+#include <vector>
+
+namespace ppt {
+
+namespace {
+
+// The size change of one object; 0 for an object that is not rewritten and keeps its bytes.
+std::int32_t n_rewritePersistObject(RewriteCopy& copy, std::uint32_t id, std::uint32_t old_offset,
+                                    std::int32_t flags) {
+    const bool is_document = id == copy.loaded.current_user_edit().document_persist_id;
+    if (is_document) {
+        const bool changed = (flags & kFlagLinks) != 0 && ps_nextLinkOfHolder(id, true, nullptr);
+        return changed ? n_rewriteDocument(copy, old_offset) : 0;
+    }
+    // Ids in the object's own records have to go even when it holds no changed link.
+    const bool drops_ids = state().ids_in_document;
+    const LinkRecord* link = ps_nextLinkOfHolder(id, !drops_ids, nullptr);
+    if (link != nullptr && link->record_type == RT_ExternalOleLink) {
+        return 0;
+    }
+    if (link != nullptr && !link->path_changed()) {
+        link = ps_nextLinkOfHolder(id, true, link);
+    }
+    return link != nullptr || drops_ids ? n_rewriteSlideObject(copy, old_offset, link, flags) : 0;
+}
+
+// Brings what stands between the last rewritten object and the next one behind what was written.
+void move_up_to(RewriteCopy& copy, std::uint32_t old_offset) {
+    const bool inside_rewritten_object = old_offset < copy.loaded_position;
+    if (inside_rewritten_object) {
+        throw static_cast<int>(status::kDamaged);
+    }
+    copy.loaded.v_seekDocument(copy.loaded_position);
+    copy.writer.copy(copy.loaded, old_offset - copy.loaded_position);
+    copy.v_notePositions();
+    if (copy.first_moved_offset == 0) {
+        copy.first_moved_offset = copy.copy_position;
+    }
+}
+
+void rewrite_objects(RewriteCopy& copy, std::int32_t flags) {
+    const PersistDirectory& objects = copy.loaded.persist_directory();
+    PersistDirectory& moved_objects = copy.copy.persist_directory();
+    std::uint32_t offset = kNoOffset;
+    for (;;) {
+        const std::int32_t id = objects.n_nextObjectByOffset(offset);
+        if (id < 0) {
+            return;
+        }
+        if (copy.has_written()) {
+            move_up_to(copy, offset);
+            // Ids that share an object move together, though only the lowest is visited.
+            for (const std::uint32_t shared : objects.ids_at(offset)) {
+                moved_objects.v_setObjectOffset(shared, copy.copy_position);
+            }
+        } else {
+            copy.writer.seek(offset);
+        }
+        const std::int32_t change =
+            n_rewritePersistObject(copy, static_cast<std::uint32_t>(id), offset, flags);
+        if (change != 0) {
+            copy.shifts.add(offset, change);
+        }
+    }
+}
+
+// Everything behind the last object that was visited.
+void move_rest(RewriteCopy& copy) {
+    if (copy.has_written()) {
+        copy.loaded.v_seekDocument(copy.loaded_position);
+        const std::uint64_t rest = copy.loaded.document_size() - copy.loaded_position;
+        copy.writer.copy(copy.loaded, static_cast<std::uint32_t>(rest));
+        copy.v_notePositions();
+    }
+    copy.writer.flush();
+}
+
+std::int32_t set_document_size(PptPresentation& copy, std::uint32_t size) {
+    const HRESULT result = copy.ps_getDocumentStream()->SetSize(ULARGE_INTEGER{size});
+    return j_translateComError(result);
+}
+
+std::int32_t write_current_user(PptPresentation& copy) {
+    ComPtr<IStream> stream;
+    std::int32_t status = j_openStream(copy.root(), WIDE("Current User"), false, stream.put());
+    RecordHeaderBytes header{};
+    if (status == status::kSuccess) {
+        status = j_readStream(stream.get(), header.data(), static_cast<std::int32_t>(header.size()));
+    }
+    if (status == status::kSuccess) {
+        const CurrentUserBytes fixed = encode_current_user(copy.current_user());
+        status = j_writeStream(document_path().c_str(), stream.get(), fixed.data(),
+                               static_cast<std::int32_t>(fixed.size()));
+    }
+    return status;
+}
+
+} // namespace
+
+std::int32_t j_rewriteLinks(PptPresentation& copy_presentation, std::int32_t flags) {
+    RewriteCopy copy(*state().presentation, copy_presentation);
+    rewrite_objects(copy, flags);
+    state().links_not_written =
+        (flags & kFlagLinks) != 0 ? links_not_written(copy) : std::vector<std::size_t>();
+    move_rest(copy);
+    const std::uint32_t size = n_writePersistDirectory(copy);
+    const std::int32_t status = set_document_size(copy_presentation, size);
+    if (status != status::kSuccess) {
+        return status;
+    }
+    copy_presentation.v_releaseDocumentStream();
+    return write_current_user(copy_presentation);
+}
+
+} // namespace ppt

@@ -1,0 +1,114 @@
+// What is printed: a table that no file can disturb, and JSON that every reader takes.
+#include "pptlinks/json_output.h"
+#include "pptlinks/terminal_text.h"
+#include "pptlinks/text_encoding.h"
+#include "pptlinks/text_table.h"
+
+#include "tests/pptlinks/code_page_guard.h"
+
+#include <nlohmann/json.hpp>
+
+namespace pptlinks {
+namespace {
+
+using Json = nlohmann::json;
+
+TEST(TerminalText, ShowsWhatWouldActOnTheTerminal) {
+    const std::pair<WideString, std::string> cases[] = {
+        {u"C:\\a b.doc", "C:\\a b.doc"},
+        {u"\x1B[2J\x07", "\\x1B[2J\\x07"},
+        {WideString(u"\0\x7F\t", 3), "\\x00\\x7F\\x09"},
+        {u"\x9B"
+         u"31m\x85",
+         "<U+009B>31m<U+0085>"},
+        {u"cod.\u202Eexe\u2066", "cod.<U+202E>exe<U+2066>"},
+        {u"a\u2028b\uFEFF", "a<U+2028>b<U+FEFF>"},
+        {u"\xD83D\xDE00 \u00E9\u4E2D", "\U0001F600 \u00E9\u4E2D"},
+        {u"\xD83Dx\xDC00", "<U+D83D>x<U+DC00>"},
+        {u"\xDB40\xDC41", "<U+E0041>"},
+    };
+    for (const auto& [text, shown] : cases) {
+        EXPECT_EQ(terminal_text(text), shown);
+    }
+    EXPECT_EQ(terminal_text_from_utf8("a\xFF\xC3"), "a\uFFFD\uFFFD");
+    EXPECT_EQ(terminal_lines_from_utf8("one\n\x1Btwo\n"), "one\n\\x1Btwo\n");
+}
+
+TEST(TextTable, ColumnsLineUpByWhatIsSeen) {
+    TextTable table({{"N", true}, {"PATH"}, {"TEXT"}});
+    table.add(std::string_view("1"));
+    table.add(WideView(u"\u4E2D\u6587"));
+    table.add(std::string_view("x"));
+    table.add(std::string_view("10"));
+    table.add(WideView(u"a\u0301\x1B"));
+    table.add(std::string_view(""));
+    std::string out;
+    table.append_to(out);
+    EXPECT_EQ(out, " N  PATH   TEXT\n"
+                   " 1  \u4E2D\u6587   x\n"
+                   "10  a\u0301\\x1B\n");
+}
+
+TEST(TextTable, OneLongCellDoesNotWidenTheOthers) {
+    TextTable table({{"A"}, {"B"}});
+    table.add(std::string_view(std::string(200, 'x')));
+    table.add(std::string_view("1"));
+    table.add(std::string_view("y"));
+    table.add(std::string_view("2"));
+    std::string out;
+    table.append_to(out);
+    EXPECT_NE(out.find("y" + std::string(61, ' ') + "2\n"), std::string::npos);
+}
+
+Listing hostile_listing() {
+    Listing listing;
+    listing.file = "\xFF\"\\\n.ppt";
+    Link link;
+    for (int byte = 1; byte < 256; ++byte) {
+        link.path.push_back(static_cast<char>(byte));
+    }
+    link.text = "\xED\xA0\x80\xF4\x90\x80\x80\x81";
+    link.page = "slide 1";
+    link.id = "18446744073709551615";
+    listing.links = {link, {}};
+    return listing;
+}
+
+TEST(JsonOutput, IsValidOnOneLineForAnyBytesInAnyCodePage) {
+    for (const UINT code_page : {65001U, 1252U, 932U, 936U, 949U, 950U, 1255U}) {
+        const CodePageGuard page(code_page);
+        std::string out;
+        append_json(out, hostile_listing());
+        EXPECT_EQ(out.find('\n'), out.size() - 1) << code_page;
+        const Json parsed = Json::parse(out); // refuses what is not UTF-8
+        ASSERT_EQ(parsed["links"].size(), 2U);
+        EXPECT_EQ(parsed["links"][0]["id"], "18446744073709551615");
+        EXPECT_TRUE(parsed["links"][1]["id"].is_null());
+        EXPECT_TRUE(parsed["target_file_id"].is_null());
+    }
+}
+
+TEST(JsonOutput, TextsAreDecodedFromTheCodePage) {
+    const CodePageGuard page(1252);
+    Listing listing;
+    listing.links.resize(1);
+    listing.links[0].path = "C:\\caf\xE9\\\x80.doc";
+    std::string out;
+    append_json(out, listing);
+    EXPECT_EQ(Json::parse(out)["links"][0]["path"], "C:\\caf\u00E9\\\u20AC.doc");
+}
+
+TEST(TextEncoding, ArgumentsThatTheCodePageCannotHoldAreNoticed) {
+    const CodePageGuard page(1252);
+    EXPECT_EQ(ansi_from_utf8("caf\u00E9"), "caf\xE9");
+    EXPECT_EQ(ansi_from_utf8("\u4E2D"), std::nullopt);
+    EXPECT_EQ(ansi_from_utf8("?"), "?");
+}
+
+TEST(TextEncoding, NamesThatAreNotTextPassInUtf8) {
+    const CodePageGuard page(65001);
+    EXPECT_EQ(ansi_from_utf8("\xFF.ppt"), "\xFF.ppt");
+}
+
+} // namespace
+} // namespace pptlinks

@@ -1,0 +1,59 @@
+// Which links --set and --map reach.
+#include "pptlinks/relink_plan.h"
+
+#include "pptlinks/failure.h"
+
+#include <gtest/gtest.h>
+
+namespace pptlinks {
+namespace {
+
+Link link_to(std::string path, std::int32_t ordinal, std::uint32_t object = 1) {
+    Link link;
+    link.path = std::move(path);
+    link.object_list_ordinal = ordinal;
+    link.external_object_id = object;
+    return link;
+}
+
+using Paths = std::vector<std::optional<std::string>>;
+using Joined = std::vector<std::vector<std::int32_t>>;
+
+TEST(RelinkPlan, UsesOfOneObjectChangeTogether) {
+    const std::vector<Link> links{link_to("C:\\a", 4), link_to("C:\\b", 5), link_to("C:\\a", 4),
+                                  link_to("C:\\p", -1), link_to("C:\\p", -1)};
+    const RelinkPlan one_named = plan_relink(links, {{{2, "X"}, {3, "P"}}, {}});
+    EXPECT_EQ(one_named.new_paths, (Paths{"X", {}, "X", "P", {}}));
+    EXPECT_EQ(one_named.joined, (Joined{{0, 2}}));
+
+    const RelinkPlan both_named = plan_relink(links, {{{0, "X"}, {2, "X"}}, {}});
+    EXPECT_EQ(both_named.new_paths, (Paths{"X", {}, "X", {}, {}}));
+    EXPECT_TRUE(both_named.joined.empty());
+
+    EXPECT_THROW(plan_relink(links, {{{0, "X"}, {2, "Y"}}, {}}), UsageError);
+}
+
+TEST(RelinkPlan, SetWinsOverMap) {
+    const std::vector<Link> links{link_to("C:\\a\\1", 0), link_to("C:\\a\\2", 1),
+                                  link_to("C:\\a\\2", 1)};
+    const RelinkPlan plan = plan_relink(links, {{{2, "X"}}, {{"c:/a", "D:"}}});
+    EXPECT_EQ(plan.new_paths, (Paths{"D:\\1", "X", "X"}));
+    EXPECT_TRUE(plan.joined.empty()); // the map named link 1
+}
+
+// A use may have lost its path; the object has one all the same.
+TEST(RelinkPlan, AMappedUseTakesTheOthersAlong) {
+    const std::vector<Link> links{link_to("", 0), link_to("C:\\a\\1", 0)};
+    const RelinkPlan plan = plan_relink(links, {{}, {{"C:\\a", "D:"}}});
+    EXPECT_EQ(plan.new_paths, (Paths{"D:\\1", "D:\\1"}));
+    EXPECT_EQ(plan.joined, (Joined{{0, 1}}));
+}
+
+TEST(RelinkPlan, VideosOfOneListAreKeptApart) {
+    const std::vector<Link> links{link_to("C:\\a", 0, 1), link_to("D:\\b", 0, 2)};
+    EXPECT_EQ(plan_relink(links, {{{1, "X"}}, {}}).inseparable, (std::vector<std::int32_t>{0, 1}));
+    EXPECT_TRUE(plan_relink(links, {{}, {{"E:", "F:"}}}).inseparable.empty());
+}
+
+} // namespace
+} // namespace pptlinks
