@@ -20,6 +20,7 @@
 #else
 #include "platform/posix/kernel.h"
 #include "platform/posix/monikers.h"
+#include "platform/posix/ole_link.h"
 #include "platform/posix/property_storage.h"
 #include "platform/posix/storage.h"
 #include "platform/posix/types.h"

@@ -71,6 +71,11 @@ std::int32_t load_file(const char* path, std::int32_t flags) {
     if (status != status::kSuccess) {
         return status;
     }
+    if (state().presentation) {
+        // A host that forgot to unload must not find the old links among the new.
+        v_unload();
+        set_document_path(path);
+    }
     v_logLine("Loading file %s\n", path);
     try {
         status = read_presentation(std::move(root), flags);

@@ -190,6 +190,7 @@ Link LoadedPresentation::link(std::int32_t index) const {
 
 std::vector<Link> LoadedPresentation::links() const {
     std::vector<Link> all;
+    all.reserve(static_cast<std::size_t>(link_count()));
     for (std::int32_t index = 0; index < link_count(); ++index) {
         all.push_back(link(index));
     }

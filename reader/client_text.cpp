@@ -17,7 +17,9 @@ bool options_ask_for_text() {
     return plugin.has_option('h') || plugin.has_option('e') || plugin.has_option('t');
 }
 
-bool is_low_surrogate(WCHAR unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
+bool is_low_surrogate(WCHAR unit) {
+    return unit >= 0xDC00 && unit <= 0xDFFF;
+}
 
 } // namespace
 
@@ -61,8 +63,8 @@ void ClientText::complete(LinkRecord* link) const {
 }
 
 std::string ClientText::displayed_text(LinkRecord& link) const {
-    const std::size_t start = static_cast<std::size_t>(
-        std::clamp<std::int32_t>(link.text_range_start, 0, length()));
+    const std::size_t start =
+        static_cast<std::size_t>(std::clamp<std::int32_t>(link.text_range_start, 0, length()));
     std::size_t end = static_cast<std::size_t>(
         std::clamp<std::int32_t>(link.text_range_end, static_cast<std::int32_t>(start), length()));
     // A unit gives at least one byte, so longer ranges cannot fit.
@@ -82,8 +84,7 @@ std::string ClientText::displayed_text(LinkRecord& link) const {
 
 std::string ClientText::ansi(std::size_t start, std::size_t end) const {
     if (!raw_) {
-        return ansi_from_wide(
-            std::basic_string_view<WCHAR>(units_).substr(start, end - start));
+        return ansi_from_wide(std::basic_string_view<WCHAR>(units_).substr(start, end - start));
     }
     std::string text(end - start, '\0');
     std::transform(units_.begin() + static_cast<std::ptrdiff_t>(start),

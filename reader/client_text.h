@@ -1,5 +1,5 @@
-// The text of one text box as far as its hyperlinks need it: the kept text of the last text atom and
-// the place where it stands ([MS-PPT] OfficeArtClientTextbox, TextHeaderAtom, TextCharsAtom,
+// The text of one text box as far as its hyperlinks need it: the kept text of the last text atom
+// and the place where it stands ([MS-PPT] OfficeArtClientTextbox, TextHeaderAtom, TextCharsAtom,
 // TextBytesAtom).
 //
 // Characters are UTF-16 units of the stored text, whatever the ANSI code page makes of them. Texts
@@ -23,7 +23,8 @@ bool b_holdsAnsiBytes(const PptRecord& atom);
 
 class ClientText {
   public:
-    explicit ClientText(std::uint32_t page_persist_id) : page_persist_id_(page_persist_id) {}
+    explicit ClientText(std::uint32_t page_persist_id)
+        : page_persist_id_(page_persist_id) {}
 
     void set_type(std::uint32_t type);
 

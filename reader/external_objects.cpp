@@ -3,6 +3,7 @@
 #include "plugin/link_table.h"
 #include "plugin/state.h"
 #include "plugin/status.h"
+#include "reader/ole_objects.h"
 #include "reader/presentation.h"
 
 #include <new>
@@ -75,8 +76,22 @@ void add_movie(PptRecord& container, const Ordinals& at) {
     container.v_skipRest();
 }
 
-void add_object(PptRecord& list, PptRecord& object, Ordinals& at) {
+// [MS-PPT] ExOleLinkContainer, ExControlContainer.
+void v_walkOleObjects(PptRecord& container, OleObjects& ole_objects, const Ordinals& at) {
+    while (PptRecord* child = container.ps_nextChild()) {
+        if (child->is(RT_ExternalOleObjectAtom)) {
+            ole_objects.v_addOleLinkObject(*child, at.object);
+        }
+        container.v_skipChild(*child);
+    }
+}
+
+void add_object(PptRecord& list, PptRecord& object, OleObjects& ole_objects, Ordinals& at) {
     switch (object.header.type) {
+    case RT_ExternalOleLink:
+    case RT_ExternalOleControl:
+        v_walkOleObjects(object, ole_objects, at);
+        break;
     case RT_ExternalHyperlink:
         v_addHyperlinkObject(object, at);
         ++at.hyperlink;
@@ -107,8 +122,9 @@ std::int32_t j_walkExternalObjects(PptRecord* list) {
     }
     try {
         Ordinals at;
+        OleObjects ole_objects;
         while (PptRecord* object = list->ps_nextChild()) {
-            add_object(*list, *object, at);
+            add_object(*list, *object, ole_objects, at);
         }
         return status::kSuccess;
     } catch (int failure) {

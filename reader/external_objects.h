@@ -1,5 +1,5 @@
 // The document's external object list ([MS-PPT] ExObjListContainer): one template in the external
-// object list of the plug-in for every hyperlink and every linked sound or movie.
+// object list of the plug-in for every hyperlink, linked sound, movie or OLE object.
 #pragma once
 
 #include "reader/record.h"

@@ -22,7 +22,9 @@ constexpr std::uint16_t kComplexBit = 0x8000;
 constexpr std::uint32_t kArrayHeaderSize = 6;
 constexpr std::uint16_t kHalfWordElements = 0xFFF0; // element size that stands for 4 bytes
 
-bool is_link_indicator(std::uint16_t id) { return id == 0x0104 || id == 0x0186 || id == 0x01C7; }
+bool is_link_indicator(std::uint16_t id) {
+    return id == 0x0104 || id == 0x0186 || id == 0x01C7;
+}
 
 bool is_name(std::uint16_t id) {
     return id == kPictureName || id == kFillPictureName || id == kLinePictureName;
@@ -38,7 +40,8 @@ bool is_array(std::uint16_t id) {
 
 } // namespace
 
-ShapeOptions::ShapeOptions(std::uint16_t property_count, bytes::View body) : body_(body) {
+ShapeOptions::ShapeOptions(std::uint16_t property_count, bytes::View body)
+    : body_(body) {
     read_entries(property_count);
     find_name();
 }
@@ -95,13 +98,14 @@ std::uint64_t ShapeOptions::complex_size(const Property& property, std::uint64_t
     const std::uint32_t elements = bytes::load_u16(body_, static_cast<std::size_t>(at));
     const std::uint16_t width = bytes::load_u16(body_, static_cast<std::size_t>(at) + 4);
     const std::uint32_t element_size = width == kHalfWordElements ? 4 : width;
-    const bool header_not_counted = property.value != 0 && elements * element_size == property.value;
+    const bool header_not_counted =
+        property.value != 0 && elements * element_size == property.value;
     return std::uint64_t{property.value} + (header_not_counted ? kArrayHeaderSize : 0);
 }
 
 std::string ShapeOptions::picture_name() const {
-    const bytes::View data =
-        body_.subspan(*name_offset_, std::min<std::size_t>(name_length_, body_.size() - *name_offset_));
+    const bytes::View data = body_.subspan(
+        *name_offset_, std::min<std::size_t>(name_length_, body_.size() - *name_offset_));
     std::basic_string<WCHAR> name;
     for (std::size_t i = 0; i + 1 < data.size(); i += 2) {
         const WCHAR unit = static_cast<WCHAR>(bytes::load_u16(data, i));

@@ -1,9 +1,9 @@
 // A shape's option table ([MS-ODRAW] OfficeArtFOPT): which picture file it links, if any, and where
 // the file's name stands.
 //
-// The body holds one 6-byte entry per property and then the complex data of the properties that have
-// such, in the order of their entries. Arrays among the complex data may be 6 bytes longer than
-// their entry says. Entries that the body does not hold are ignored.
+// The body holds one 6-byte entry per property and then the complex data of the properties that
+// have such, in the order of their entries. Arrays among the complex data may be 6 bytes longer
+// than their entry says. Entries that the body does not hold are ignored.
 #pragma once
 
 #include "platform/platform.h"
@@ -33,8 +33,8 @@ class ShapeOptions {
     bool finds_picture_name() const { return name_offset_.has_value(); }
     std::uint16_t name_property() const { return name_property_; }
 
-    // The name up to its terminator, in the ANSI code page. Throws the status code of the conversion,
-    // 7140 for a name of 1024 bytes or more.
+    // The name up to its terminator, in the ANSI code page. Throws the status code of the
+    // conversion, 7140 for a name of 1024 bytes or more.
     std::string picture_name() const;
 
     // The body with another name, given without its terminator, in place of the present one; every

@@ -33,12 +33,15 @@ std::deque<PptRecord> read_children(PptRecord& text_box) {
 std::vector<BoxText> texts_of(std::deque<PptRecord>& records) {
     std::vector<BoxText> texts;
     std::uint32_t type = 0;
+    bool in_text = false; // an empty text is a header with runs and no characters
     for (PptRecord& record : records) {
         if (record.is(RT_TextHeaderAtom)) {
             type = record.u32_at(0);
+            in_text = false;
         } else if (record.is(RT_TextCharsAtom) || record.is(RT_TextBytesAtom)) {
             texts.emplace_back(record, type);
-        } else if (!texts.empty()) {
+            in_text = true;
+        } else if (in_text) {
             texts.back().add_follower(record);
         }
     }

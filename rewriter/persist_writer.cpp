@@ -21,9 +21,7 @@ struct OldRecord {
     std::uint32_t position = 0;
     std::uint32_t length = 0;
 
-    std::uint64_t end() const {
-        return std::uint64_t{position} + kRecordHeaderSize + length;
-    }
+    std::uint64_t end() const { return std::uint64_t{position} + kRecordHeaderSize + length; }
 };
 
 OldRecord read_old_record(PptPresentation& presentation, std::uint32_t position) {
@@ -35,9 +33,8 @@ OldRecord read_old_record(PptPresentation& presentation, std::uint32_t position)
 
 void write_at(PptPresentation& copy, std::uint32_t position, bytes::View data) {
     copy.v_seekDocument(position);
-    const std::int32_t status =
-        j_writeStream(document_path().c_str(), copy.ps_getDocumentStream(), data.data(),
-                      static_cast<std::int32_t>(data.size()));
+    const std::int32_t status = j_writeStream(document_path().c_str(), copy.ps_getDocumentStream(),
+                                              data.data(), static_cast<std::int32_t>(data.size()));
     if (status != status::kSuccess) {
         throw static_cast<int>(status);
     }
@@ -72,7 +69,8 @@ struct Place {
 };
 
 Place find_place(RewriteCopy& copy, const OldRecord& directory, const OldRecord& edit) {
-    const std::uint64_t end = copy.copy.document_size();
+    // Behind the last record written may stand what a longer stream left there.
+    const std::uint64_t end = copy.has_written() ? copy.copy_position : copy.copy.document_size();
     Place place;
     place.begin = static_cast<std::uint32_t>(end);
     const bool edit_ends_stream = edit.end() == end && edit.length >= kUserEditSize;
@@ -106,7 +104,8 @@ void v_shiftUserEditChain(RewriteCopy& copy) {
     user.offset_to_current_edit = copy.shifts.moved(user.offset_to_current_edit);
     UserEdit& newest = copy.copy.current_user_edit();
     newest.offset_of_last_edit = moved_unless_zero(copy, newest.offset_of_last_edit);
-    newest.offset_of_persist_directory = moved_unless_zero(copy, newest.offset_of_persist_directory);
+    newest.offset_of_persist_directory =
+        moved_unless_zero(copy, newest.offset_of_persist_directory);
     std::unordered_set<std::uint32_t> visited;
     std::uint32_t position = newest.offset_of_last_edit;
     while (position > 0) {
@@ -166,9 +165,8 @@ std::uint32_t n_writePersistDirectory(RewriteCopy& copy) {
                    read_old_record(copy.copy, user.offset_to_current_edit));
 
     bytes::Bytes out;
-    append_record(
-        out, RT_PersistDirectoryAtom,
-        n_buildPersistDirectory(copy.copy.persist_directory(), copy.first_moved_offset));
+    append_record(out, RT_PersistDirectoryAtom,
+                  n_buildPersistDirectory(copy.copy.persist_directory(), copy.first_moved_offset));
     newest.offset_of_persist_directory = place.begin;
     user.offset_to_current_edit = place.begin + static_cast<std::uint32_t>(out.size());
     append_record(out, RT_UserEditAtom, encode_user_edit(newest));

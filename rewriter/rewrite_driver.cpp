@@ -97,7 +97,8 @@ std::int32_t write_current_user(PptPresentation& copy) {
     std::int32_t status = j_openStream(copy.root(), WIDE("Current User"), false, stream.put());
     RecordHeaderBytes header{};
     if (status == status::kSuccess) {
-        status = j_readStream(stream.get(), header.data(), static_cast<std::int32_t>(header.size()));
+        status =
+            j_readStream(stream.get(), header.data(), static_cast<std::int32_t>(header.size()));
     }
     if (status == status::kSuccess) {
         const CurrentUserBytes fixed = encode_current_user(copy.current_user());

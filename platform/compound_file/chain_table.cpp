@@ -110,6 +110,14 @@ void ChainTable::take_out(Sector sector, Sector mark) {
     }
 }
 
+void ChainTable::end_if_broken(Sector sector) {
+    const Sector following = links_[sector];
+    if (following == kFreeSector || (following <= kHighestSector && !holds(following))) {
+        set(sector, kEndOfChain);
+        free_.erase(sector);
+    }
+}
+
 void ChainTable::pick_own_tail(Pick& pick, std::uint32_t count) const {
     pick.reclaimed = std::min(count, cut_behind(pick.last));
     Sector at = pick.last;

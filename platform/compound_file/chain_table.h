@@ -63,6 +63,9 @@ class ChainTable {
 
     // Marks a sector that is in use; changes nothing where it is not marked free.
     void take_out(Sector sector, Sector mark);
+    // Ends the chain at a sector in use whose link is a free mark, or the number of a sector that
+    // is not there: once the file has grown, that number would be somebody else's sector.
+    void end_if_broken(Sector sector);
 
   protected:
     // Picks out of the own tail and the free sectors: behind `last` if free there, else upward from

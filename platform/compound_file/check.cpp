@@ -46,6 +46,7 @@ class Check {
         , minis_(geometry_) {}
 
     std::vector<std::string> run() {
+        check_cutoff();
         sectors_.load(backing_, header_);
         owners_.assign(sectors_.size(), kNobody);
         check_listed(sectors_.fat_sectors(), kFat, kFatSector);
@@ -245,6 +246,14 @@ class Check {
             if (owners[sector] == kNobody && table.next(sector) != kFreeSector && !is_lock) {
                 problem(what + std::to_string(sector) + " is not free and nobody owns it");
             }
+        }
+    }
+
+    void check_cutoff() {
+        try {
+            header_.require_writable();
+        } catch (const platform::Error& error) {
+            problem(error.what());
         }
     }
 

@@ -14,6 +14,9 @@ using platform::Error;
 
 std::unique_ptr<CompoundFile> CompoundFile::open(std::unique_ptr<Backing> backing, Access access) {
     const Header header = read_header(*backing);
+    if (access == Access::read_write) {
+        header.require_writable();
+    }
     return std::make_unique<Engine>(std::move(backing), access, header);
 }
 

@@ -64,7 +64,8 @@ class StreamNode {
 
 class CompoundFile {
   public:
-    // Writes nothing: who changed the file flushes it, since a destructor could not report a failure.
+    // Writes nothing: who changed the file flushes it, since a destructor could not report a
+    // failure.
     virtual ~CompoundFile() = default;
 
     // Opens what the backing holds. Throws Errc::not_compound_file when the signature is another's,

@@ -46,11 +46,14 @@ Geometry parse_geometry(bytes::View data) {
     require_equal(bytes::load_u16(data, kAtByteOrder), kByteOrder, "byte order");
     require_equal(bytes::load_u16(data, kAtShift), geometry.shift(), "sector shift");
     require_equal(bytes::load_u16(data, kAtMiniShift), kMiniShift, "mini sector shift");
-    require_equal(bytes::load_u32(data, kAtCutoff), kMiniCutoff, "mini stream cutoff");
     return geometry;
 }
 
 } // namespace
+
+void Header::require_writable() const {
+    require_equal(bytes::load_u32(raw, kAtCutoff), kMiniCutoff, "mini stream cutoff");
+}
 
 Header Header::parse(bytes::View data) {
     if (data.size() < kSignature.size() ||

@@ -27,6 +27,10 @@ struct Header {
     // fit together.
     static Header parse(bytes::View data);
 
+    // A file with another mini stream cutoff than 4096 is read as if it said so, but never written.
+    // Throws Errc::corrupt.
+    void require_writable() const;
+
     // The header of a file whose only sectors are one of FAT (0) and one of directory (1).
     static Header fresh(Version version);
 

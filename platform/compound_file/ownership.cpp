@@ -15,19 +15,21 @@ class Claims {
         , owners_(table.size(), kNobody)
         , shared_(table.size()) {}
 
-    void claim_metadata(Sector sector, Sector mark) {
-        if (sector >= owners_.size() || owners_[sector] != kNobody) {
-            fail(sector);
-        }
-        owners_[sector] = kMetadata;
+    void claim_marked(Sector sector, Sector mark) {
+        claim_metadata(sector);
         table_.take_out(sector, mark);
+    }
+
+    void claim_chained(Sector sector) {
+        claim_metadata(sector);
+        table_.end_if_broken(sector);
     }
 
     void claim_metadata_chain(Sector first, std::uint64_t limit) {
         const std::uint32_t length = table_.chain_length(first, limit);
         Sector at = first;
         for (std::uint32_t i = 0; i < length; ++i) {
-            claim_metadata(at, kEndOfChain);
+            claim_chained(at);
             at = table_.next(at);
         }
     }
@@ -55,12 +57,19 @@ class Claims {
                 }
                 shared_.insert(at);
             }
-            table_.take_out(at, kEndOfChain);
+            table_.end_if_broken(at);
             at = table_.next(at);
         }
     }
 
   private:
+    void claim_metadata(Sector sector) {
+        if (sector >= owners_.size() || owners_[sector] != kNobody) {
+            fail(sector);
+        }
+        owners_[sector] = kMetadata;
+    }
+
     [[noreturn]] static void fail(Sector sector) {
         throw platform::Error(platform::Errc::corrupt,
                               "sector " + std::to_string(sector) +
@@ -76,20 +85,20 @@ class Claims {
 } // namespace
 
 std::unordered_set<EntryId> claim_sectors(SectorTable& sectors, MiniTable& minis,
-                                          const Directory& directory) {
+                                          Directory& directory) {
     std::unordered_set<EntryId> crossed;
     Claims claims(sectors, crossed);
     for (const Sector sector : sectors.fat_sectors()) {
-        claims.claim_metadata(sector, kFatSector);
+        claims.claim_marked(sector, kFatSector);
     }
     for (const Sector sector : sectors.difat_sectors()) {
-        claims.claim_metadata(sector, kDifatSector);
+        claims.claim_marked(sector, kDifatSector);
     }
     for (const Sector sector : directory.places()) {
-        claims.claim_metadata(sector, kEndOfChain);
+        claims.claim_chained(sector);
     }
     for (const Sector sector : minis.places()) {
-        claims.claim_metadata(sector, kEndOfChain);
+        claims.claim_chained(sector);
     }
     claims.claim_metadata_chain(minis.first_sector(), minis.room() / sectors.sector_bytes());
 
@@ -99,7 +108,11 @@ std::unordered_set<EntryId> claim_sectors(SectorTable& sectors, MiniTable& minis
         if (entry.type != EntryType::stream || !directory.exists(id) || entry.size == 0) {
             continue;
         }
-        if (entry.size < kMiniCutoff) {
+        const bool small = entry.size < kMiniCutoff;
+        const ChainTable& table = small ? static_cast<const ChainTable&>(minis) : sectors;
+        if (!table.holds(entry.first)) {
+            directory.set_stream(id, kEndOfChain, entry.size);
+        } else if (small) {
             mini_claims.claim_chain(id, entry.first, (entry.size + kMiniBytes - 1) / kMiniBytes);
         } else {
             claims.claim_chain(id, entry.first, sectors.sectors_for(entry.size));

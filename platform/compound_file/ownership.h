@@ -15,6 +15,6 @@ namespace compound_file {
 // directory, mini FAT, mini stream) shares a sector with anything. Cost: O(sectors), whatever the
 // chains look like.
 std::unordered_set<EntryId> claim_sectors(SectorTable& sectors, MiniTable& minis,
-                                          const Directory& directory);
+                                          Directory& directory);
 
 } // namespace compound_file

@@ -49,7 +49,7 @@ DWORD open_source(const std::string& path, OpenFile& source) {
 
 DWORD open_new(const std::string& path, const OpenFile& source, OpenFile& destination) {
     destination.handle =
-        FileHandle(path, O_WRONLY | O_CREAT | O_EXCL, source.status.st_mode & kModeBits);
+        FileHandle(path, O_WRONLY | O_CREAT | O_EXCL, (source.status.st_mode & kModeBits) | S_IWUSR);
     if (!destination.handle.is_open()) {
         return path_error_of_errno(errno, path);
     }
@@ -140,18 +140,12 @@ DWORD copy_bytes(int source, int destination) {
     return error == ERROR_SUCCESS ? copy_by_buffer(source, destination) : error;
 }
 
-// The copy gets the time of the source's last change and its read-only attribute. A file system
-// that keeps neither is no failure.
-void copy_attributes(const OpenFile& source, const OpenFile& destination) {
-    const int descriptor = destination.handle.descriptor();
+// The copy gets the time of the source's last change. It is writable by its owner even where the
+// source is not: permissions say who may write that file, not that its copies are to be kept. A
+// file system that keeps no times is no failure.
+void copy_time(const OpenFile& source, const OpenFile& destination) {
     const std::array<timespec, 2> times{timespec{0, UTIME_OMIT}, source.status.st_mtim};
-    static_cast<void>(futimens(descriptor, times.data()));
-    if ((source.status.st_mode & kWriteBits) == 0) {
-        const mode_t mode = destination.status.st_mode & kModeBits & ~kWriteBits;
-        if (mode != 0) {
-            static_cast<void>(fchmod(descriptor, mode));
-        }
-    }
+    static_cast<void>(futimens(destination.handle.descriptor(), times.data()));
 }
 
 DWORD copy_file(const std::string& from, const std::string& to, bool fail_if_exists) {
@@ -166,7 +160,7 @@ DWORD copy_file(const std::string& from, const std::string& to, bool fail_if_exi
     }
     error = copy_bytes(source.handle.descriptor(), destination.handle.descriptor());
     if (error == ERROR_SUCCESS) {
-        copy_attributes(source, destination);
+        copy_time(source, destination);
         if (!destination.handle.close()) {
             error = error_of_errno(errno, Transfer::writing);
         }

@@ -1,6 +1,7 @@
 #include "platform/posix/monikers.h"
 
 #include "platform/posix/com_object.h"
+#include "platform/posix/display_name.h"
 #include "platform/posix/kernel.h"
 #include "platform/posix/property_storage.h"
 
@@ -42,11 +43,7 @@ class FileMoniker final : public ComObject<IMoniker> {
 };
 
 bool exists(std::u16string_view path) {
-    std::string ansi(path.size() * 4 + 1, '\0');
-    const int length = WideCharToMultiByte(CP_ACP, 0, path.data(), static_cast<int>(path.size()),
-                                           ansi.data(), static_cast<int>(ansi.size()), nullptr,
-                                           nullptr);
-    return length > 0 && GetFileAttributesA(ansi.c_str()) != INVALID_FILE_ATTRIBUTES;
+    return attributes_of(path) != INVALID_FILE_ATTRIBUTES;
 }
 
 bool items_are_named(std::u16string_view items) {

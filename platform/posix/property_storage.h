@@ -1,8 +1,7 @@
 // Property sets as the plug-in calls them: IPropertyStorage on a property set stream, PROPVARIANT
 // and the allocator of the texts and blobs that they hand out. Implemented over
 // platform/property_set/. The types that can be read are listed in docs/property-sets.md; a value
-// of another type fails with STG_E_INVALIDFUNCTION's neighbour ERROR_NOT_SUPPORTED as HRESULT
-// 0x80070032 and is kept as it is.
+// of another type fails with 0x80070032 (ERROR_NOT_SUPPORTED) and is kept as it is.
 #pragma once
 
 #include "platform/posix/storage.h"

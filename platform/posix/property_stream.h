@@ -3,11 +3,12 @@
 
 #include "platform/base/bytes.h"
 #include "platform/posix/storage.h"
+#include "platform/property_set/format.h"
 
 namespace platform {
 
 // Streams above this size are not read: no property set is as large.
-inline constexpr std::uint64_t kMaxPropertyStream = 16 * 1024 * 1024;
+inline constexpr std::uint64_t kMaxPropertyStream = property_set::kMaxLargeStreamSize;
 
 // All bytes of the stream; its size field is not relied on. Leaves the position anywhere.
 HRESULT read_property_stream(IStream& stream, bytes::Bytes& content);

@@ -25,4 +25,8 @@ bool map_drive(const std::string& entry);
 // Names that are missing in any letter case stay as they were given.
 std::string to_native_path(const std::string& path);
 
+// Whether a linked object takes a new source without looking for its file (off at first): for
+// machines that do not see the share where the file will be.
+void trust_link_targets(bool trust);
+
 } // namespace platform

@@ -13,10 +13,11 @@ NewSection new_section(const FormatId& format) {
     return {format, Section::fresh(format)};
 }
 
-void require_allowed_size(const bytes::Bytes& stream) {
-    if (stream.size() > kMaxStreamSize) {
+void require_allowed_size(const bytes::Bytes& stream, std::size_t size_before) {
+    const std::size_t allowed = size_before > kMaxStreamSize ? kMaxLargeStreamSize : kMaxStreamSize;
+    if (stream.size() > allowed) {
         throw Error(Errc::too_large, "property set stream of " + std::to_string(stream.size()) +
-                                         " bytes, " + std::to_string(kMaxStreamSize) + " allowed");
+                                         " bytes, " + std::to_string(allowed) + " allowed");
     }
 }
 
@@ -75,7 +76,7 @@ PropertySet PropertySet::create(bytes::Bytes stream, const FormatId& format,
         return open(std::move(stream), format, default_code_page);
     }
     PropertySet made = open(completed(stream, format), format, default_code_page);
-    require_allowed_size(*made.stream_);
+    require_allowed_size(*made.stream_, 0);
     made.created_ = true;
     return made;
 }
@@ -96,7 +97,7 @@ bytes::Bytes PropertySet::encode() const {
         throw Error(Errc::corrupt, "property set stream is not written: " + layout_.damage);
     }
     bytes::Bytes result = with_section(*stream_, layout_, index_, section_.encode());
-    require_allowed_size(result);
+    require_allowed_size(result, stream_->size());
     const PropertySet read_back = reopened(result);
     if (!read_back.section().damage().empty() || !read_back.section().same_content(section_)) {
         throw Error(Errc::corrupt, "property section does not read back as written: " +

@@ -36,7 +36,8 @@ class PropertySet {
     // Whether `encode` gives something else than the stream that this was opened on.
     bool changed() const { return created_ || section_.changed(); }
 
-    // The whole stream, read back once as a check. Throws Errc::too_large above kMaxStreamSize.
+    // The whole stream, read back once as a check. Throws Errc::too_large above
+    // kMaxStreamSize, or kMaxLargeStreamSize when the stream was larger than that before.
     bytes::Bytes encode() const;
 
   private:

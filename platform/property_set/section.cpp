@@ -110,9 +110,9 @@ bytes::Bytes Section::encode() const {
     for (const Property& property : written) {
         size += aligned(property.raw.size());
     }
-    if (size > kMaxStreamSize) {
+    if (size > kMaxLargeStreamSize) {
         throw Error(Errc::too_large, "property section of " + std::to_string(size) + " bytes, " +
-                                         std::to_string(kMaxStreamSize) + " allowed");
+                                         std::to_string(kMaxLargeStreamSize) + " allowed");
     }
     std::vector<std::size_t> by_place(written.size());
     std::iota(by_place.begin(), by_place.end(), std::size_t{0});

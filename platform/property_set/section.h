@@ -82,7 +82,8 @@ class Section {
     void rename(std::span<const Naming> namings);
     void remove_names(std::span<const PropertyId> ids);
 
-    // The section's bytes, anew. Throws Errc::too_large above kMaxStreamSize.
+    // The section's bytes, anew. Throws Errc::too_large above
+    // kMaxLargeStreamSize.
     bytes::Bytes encode() const;
 
     // Whether both hold the same properties, byte for byte but for padding behind values.

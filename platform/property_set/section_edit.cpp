@@ -85,8 +85,8 @@ void Section::write(std::span<const Assignment> assignments, PropertyId first_ne
 
     std::vector<PropertyId> used;
     dictionary_.append_ids(used);
-    for (const Property& property : properties_) {
-        used.push_back(property.id);
+    for (const auto& [id, index] : by_id_) {
+        used.push_back(id);
     }
     for (const auto& [id, value] : known) {
         used.push_back(id);

@@ -78,6 +78,8 @@ Errc error_of(Action action) {
 
 namespace platform {
 
-inline void PrintTo(Errc code, std::ostream* out) { *out << "Errc " << static_cast<int>(code); }
+inline void PrintTo(Errc code, std::ostream* out) {
+    *out << "Errc " << static_cast<int>(code);
+}
 
 } // namespace platform

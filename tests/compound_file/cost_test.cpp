@@ -46,19 +46,19 @@ TEST_F(Cost, ACopyTakesOneCallPerCommonRun) {
     const EntryId whole = sized_stream(*file_, u"whole", 1024 * kMiB);
     const auto target = target_file->stream(target_file->create_stream(kRoot, u"target"));
     EXPECT_EQ(target->copy_range(*file_->stream(whole), 0, 0, 1024 * kMiB), 1024 * kMiB);
-    EXPECT_EQ(target_medium->copies, 1U);
+    EXPECT_LE(target_medium->copies, 3U); // the new FAT sectors lie in between
     EXPECT_LE(target_medium->reserves, 4U);
 
-    // Two streams that grow in turns: a thousand extents each.
-    const EntryId one = file_->create_stream(kRoot, u"one");
-    const EntryId other = file_->create_stream(kRoot, u"other");
+    // Two streams that grow in turns: a thousand extents each, and a FAT sector every 4 MiB.
+    const auto one = file_->stream(file_->create_stream(kRoot, u"one"));
+    const auto other = file_->stream(file_->create_stream(kRoot, u"other"));
     for (std::uint64_t part = 1; part <= 1000; ++part) {
-        file_->stream(one)->resize(part * kMiB);
-        file_->stream(other)->resize(part * 8192);
+        one->resize(part * kMiB);
+        other->resize(part * 8192);
     }
     target_medium->copies = 0;
-    target->copy_range(*file_->stream(one), 0, 0, 1000 * kMiB);
-    EXPECT_LE(target_medium->copies, 1010U);
+    target->copy_range(*one, 0, 0, 1000 * kMiB);
+    EXPECT_LE(target_medium->copies, 1000U + 1000 / 4 + 5);
 }
 
 TEST_F(Cost, SmallAppendsTakeOneWriteEach) {

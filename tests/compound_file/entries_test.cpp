@@ -1,5 +1,5 @@
-// Entries of a compound file: creating, finding, ordering, renaming and erasing, and what survives a
-// reopening.
+// Entries of a compound file: creating, finding, ordering, renaming and erasing, and what survives
+// a reopening.
 #include "tests/compound_file/builders.h"
 
 #include <random>
@@ -33,7 +33,9 @@ class Entries : public testing::TestWithParam<Version> {
 };
 
 INSTANTIATE_TEST_SUITE_P(BothVersions, Entries, testing::Values(Version::v3, Version::v4),
-                         [](const auto& tested) { return tested.param == Version::v3 ? "v3" : "v4"; });
+                         [](const auto& tested) {
+                             return tested.param == Version::v3 ? "v3" : "v4";
+                         });
 
 TEST_P(Entries, ANewFileIsSoundAndEmpty) {
     reopen();

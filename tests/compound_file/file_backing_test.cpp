@@ -51,8 +51,9 @@ TEST_F(FileBacking, OpenErrorsAreToldApart) {
               Errc::is_directory);
     ASSERT_EQ(::mkfifo(path("pipe").c_str(), 0600), 0);
     EXPECT_EQ(error_of([&] { open_file(path("pipe"), Access::read); }), Errc::access);
-    EXPECT_EQ(error_of([&] { CompoundFile::open(open_file(path("f"), Access::read), Access::read); }),
-              Errc::not_compound_file);
+    EXPECT_EQ(
+        error_of([&] { CompoundFile::open(open_file(path("f"), Access::read), Access::read); }),
+        Errc::not_compound_file);
     if (::geteuid() != 0) {
         fs::permissions(path("f"), fs::perms::owner_read);
         EXPECT_EQ(error_of([&] { open_file(path("f"), Access::read_write); }), Errc::access);

@@ -121,8 +121,8 @@ class Playback {
             const std::size_t count = std::min<std::size_t>(source.size() - from, op.count);
             const bytes::Bytes data(source.begin() + static_cast<std::ptrdiff_t>(from),
                                     source.begin() + static_cast<std::ptrdiff_t>(from + count));
-            const std::uint64_t copied = stream->copy_range(*file_->stream(entry(op.other)), from,
-                                                            op.offset, op.count);
+            const std::uint64_t copied =
+                stream->copy_range(*file_->stream(entry(op.other)), from, op.offset, op.count);
             require(copied == count, "copied another number of bytes");
             put(expected, op.offset, data);
         }

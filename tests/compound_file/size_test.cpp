@@ -11,8 +11,7 @@ class Sizes : public testing::TestWithParam<Version> {
     std::uint64_t links() const { return sector() / 4; }
 
     std::vector<std::uint64_t> small_sizes() const {
-        return {0,    1,    63,   64,   65,   511,  512,  513,
-                4095, 4096, 4097, 8191, 8192, 8193, 20000};
+        return {0, 1, 63, 64, 65, 512, 513, 4095, 4096, 4097, 8193, 20000};
     }
 
     // The largest stream in a file of that many full FAT sectors, beside one sector of directory.
@@ -26,7 +25,9 @@ class Sizes : public testing::TestWithParam<Version> {
 };
 
 INSTANTIATE_TEST_SUITE_P(BothVersions, Sizes, testing::Values(Version::v3, Version::v4),
-                         [](const auto& tested) { return tested.param == Version::v3 ? "v3" : "v4"; });
+                         [](const auto& tested) {
+                             return tested.param == Version::v3 ? "v3" : "v4";
+                         });
 
 TEST_P(Sizes, EverySizeIsReachedFromEveryOther) {
     for (const std::uint64_t from : small_sizes()) {
@@ -78,7 +79,8 @@ TEST_P(Sizes, AppendingInPiecesGivesTheSameAsOneWrite) {
 }
 
 TEST_P(Sizes, TheFatGrowsAtItsBoundaries) {
-    for (const std::uint64_t fat_sectors : {std::uint64_t{1}, std::uint64_t{109}, 109 + links() - 1}) {
+    for (const std::uint64_t fat_sectors :
+         {std::uint64_t{1}, std::uint64_t{109}, 109 + links() - 1}) {
         for (const std::uint64_t extra : {std::uint64_t{0}, std::uint64_t{1}}) {
             SCOPED_TRACE(std::to_string(fat_sectors) + " FAT sectors and " + std::to_string(extra));
             const auto medium = std::make_shared<Medium>();
@@ -165,9 +167,7 @@ TEST(SizeLimits, TheFormatsEndIsRefusedAndNothingHasChanged) {
                                      std::uint64_t{0xFFFFFFFFFFFFFFFF}}) {
         EXPECT_EQ(error_of([&] { file->stream(entry)->resize(size); }), Errc::too_large);
     }
-    EXPECT_EQ(error_of([&] {
-                  file->stream(entry)->write_at(0xFFFFFFFFFFFFFFFF, pattern(2, 1));
-              }),
+    EXPECT_EQ(error_of([&] { file->stream(entry)->write_at(0xFFFFFFFFFFFFFFFF, pattern(2, 1)); }),
               Errc::too_large);
     file->flush();
     EXPECT_EQ(faults_of(medium), "");

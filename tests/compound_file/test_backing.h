@@ -1,6 +1,6 @@
-// A backing for tests that counts calls, records writes, fails on demand, and outlives the files that
-// are opened over it: the bytes are a Medium, shared by any number of TestBackings. Only pages that
-// were written take memory, so a medium may be gigabytes long.
+// A backing for tests that counts calls, records writes, fails on demand, and outlives the files
+// that are opened over it: the bytes are a Medium, shared by any number of TestBackings. Only pages
+// that were written take memory, so a medium may be gigabytes long.
 #pragma once
 
 #include "platform/base/bytes.h"
@@ -66,15 +66,17 @@ struct Medium {
 
     std::size_t get(std::uint64_t offset, std::span<std::uint8_t> out) const {
         const std::size_t there =
-            offset < size ? static_cast<std::size_t>(std::min<std::uint64_t>(out.size(), size - offset))
-                          : 0;
+            offset < size
+                ? static_cast<std::size_t>(std::min<std::uint64_t>(out.size(), size - offset))
+                : 0;
         for (std::size_t done = 0; done < there;) {
             const std::uint64_t at = offset + done;
-            const std::size_t count = std::min<std::size_t>(there - done, kPageBytes - at % kPageBytes);
+            const std::size_t count =
+                std::min<std::size_t>(there - done, kPageBytes - at % kPageBytes);
             const auto target = out.begin() + static_cast<std::ptrdiff_t>(done);
             if (const auto page = pages.find(at / kPageBytes); page != pages.end()) {
-                std::copy_n(page->second.begin() + static_cast<std::ptrdiff_t>(at % kPageBytes), count,
-                            target);
+                std::copy_n(page->second.begin() + static_cast<std::ptrdiff_t>(at % kPageBytes),
+                            count, target);
             } else {
                 std::fill_n(target, count, std::uint8_t{0});
             }
@@ -94,7 +96,8 @@ struct Medium {
 
 class TestBacking final : public Backing {
   public:
-    explicit TestBacking(std::shared_ptr<Medium> medium) : medium_(std::move(medium)) {}
+    explicit TestBacking(std::shared_ptr<Medium> medium)
+        : medium_(std::move(medium)) {}
 
     std::size_t read_at(std::uint64_t offset, std::span<std::uint8_t> out) override {
         ++medium_->reads;

@@ -66,6 +66,9 @@ TEST(NewIds, AreTheSmallestThatNothingUses) {
     EXPECT_EQ(id_of(set, u"b"), 6u) << "4 has a name, 5 a companion";
     EXPECT_EQ(id_of(set, u"c"), 9u) << "7 has a value, 8 gets one in the same request";
     EXPECT_EQ(set.section().read(PropertyId{3}), wide(u"4")) << "the last value wins";
+    drop(set, u"b");
+    put(set, u"d", wide(u"6"));
+    EXPECT_EQ(id_of(set, u"d"), 6u) << "a deleted id is free again";
 }
 
 TEST(NewIds, EndBelowTheCompanions) {

@@ -42,7 +42,9 @@ TEST_F(ClientTextTest, NewPathTakesItsPlaceInTextRunsAndRange) {
             Text text(u"Visit " + target + u" today");
             text.style(runs({13 + size}, {6, size, 7}))
                 .link(1, 6, 6 + size)
-                .record(text_special_info(plain({7 + size, 6})));
+                .record(text_special_info(plain({7 + size, 6})))
+                .record(text_header(4)) // an empty text with runs of its own
+                .record(runs({1}, {1}));
             return deck_of({target}, as_bytes ? text.as_bytes() : text);
         };
         Deck before = deck(u"C:\\a.ppt", 8);

@@ -51,6 +51,7 @@ class RelinkTest : public plugin_test::PluginTest {
 
     // Relinks `before` and expects the copy's document stream to be that of `after`.
     void expect_relinked(Deck& before, const NewPaths& paths, Deck& after) {
+        j_unLoadFile();
         ASSERT_EQ(load(before), 0) << plugin_test::error_params();
         relink_loaded(paths);
         const plugin_test::StoredFile copy(path("out.ppt"));

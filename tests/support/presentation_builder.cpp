@@ -62,6 +62,17 @@ std::uint32_t Deck::movie(std::uint16_t type, std::u16string_view path) {
     return id;
 }
 
+std::uint32_t Deck::ole_link(Bytes storage_record) {
+    const std::uint32_t id = next_object_id();
+    external_object(external_ole_link(id, persist_object(std::move(storage_record))));
+    return id;
+}
+
+std::uint32_t Deck::persist_object(Bytes record) {
+    unsaved_objects_.push_back({next_persist_id_, std::move(record)});
+    return next_persist_id_++;
+}
+
 Deck& Deck::external_object(View record) {
     bytes::append(external_objects_, record);
     return touch_document();
@@ -176,6 +187,10 @@ void Deck::put_pages(std::vector<PersistEntry>& entries) {
         document_changed_ = document_changed_ || page.is_outline_changed();
         page.mark_saved();
     }
+    for (const PersistObject& object : unsaved_objects_) {
+        put(entries, object.persist_id, object.record);
+    }
+    unsaved_objects_.clear();
 }
 
 void Deck::append_edit(std::vector<PersistEntry> entries) {
@@ -213,6 +228,7 @@ Deck& Deck::save() {
 
 bool Deck::needs_save() const {
     return edits_.empty() || document_changed_ || !loose_.empty() || !extra_entries_.empty() ||
+           !unsaved_objects_.empty() ||
            std::any_of(pages_.begin(), pages_.end(), [](const Page& page) {
                return page.is_changed() || page.is_outline_changed();
            });

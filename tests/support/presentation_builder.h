@@ -38,6 +38,11 @@ class Deck {
     // A ready record for the list; `next_object_id` gives ids for what it declares.
     Deck& external_object(View record);
     std::uint32_t next_object_id() { return ++last_object_id_; }
+    // A linked OLE object around the record of its storage (ole_storage.h).
+    std::uint32_t ole_link(Bytes storage_record);
+
+    // A persist object that is no page, behind the pages of the next save; returns its persist id.
+    std::uint32_t persist_object(Bytes record);
 
     // Pages stay where they are: references live as long as the deck.
     Page& add_master() { return add(PageKind::master); }
@@ -114,7 +119,13 @@ class Deck {
     Bytes document_container() const;
     void fill(compound_file::CompoundFile& file);
 
+    struct PersistObject {
+        std::uint32_t persist_id = 0;
+        Bytes record;
+    };
+
     std::deque<Page> pages_;
+    std::vector<PersistObject> unsaved_objects_;
     std::uint32_t next_persist_id_ = 2;
     std::uint32_t page_counts_[3] = {};
     std::uint32_t last_object_id_ = 0;

@@ -117,6 +117,19 @@ Bytes video_list(View videos) {
     return container(0, kExternalVideoList, {videos});
 }
 
+Bytes ole_object_atom(std::uint32_t type, std::uint32_t object_id, std::uint32_t persist_id) {
+    constexpr std::uint32_t kContentAspect = 1;
+    return atom(0, kExternalOleObjectAtom,
+                words({kContentAspect, type, object_id, 0, persist_id, 0}), 1);
+}
+
+Bytes external_ole_link(std::uint32_t object_id, std::uint32_t persist_id) {
+    return container(0, kExternalOleLink,
+                     {atom(0, kExternalOleLinkAtom, words({0, 1, 1})),
+                      ole_object_atom(1, object_id, persist_id), cstring(1, u"Worksheet"),
+                      cstring(2, u"Sheet.8"), cstring(3, u"Linked worksheet")});
+}
+
 Bytes interactive_info(const Action& action) {
     Bytes body = words({0, action.hyperlink_id});
     for (const std::uint8_t value :

@@ -57,6 +57,12 @@ Bytes movie(std::uint16_t type, std::uint32_t object_id, std::u16string_view pat
 // The container 0x0FEA around ready ExVideoContainer records.
 Bytes video_list(View videos);
 
+// ExOleObjAtom of type 0 embedded, 1 linked, 2 control.
+Bytes ole_object_atom(std::uint32_t type, std::uint32_t object_id, std::uint32_t persist_id);
+
+// ExOleLinkContainer; the persist id is that of the object's storage.
+Bytes external_ole_link(std::uint32_t object_id, std::uint32_t persist_id);
+
 // --- what shapes and texts carry --------------------------------------------------------------
 
 struct Action {

@@ -1,0 +1,80 @@
+#include "reader/ole_objects.h"
+
+#include "common_new/SafeFunc/paths.h"
+#include "common_new/common/storage.h"
+#include "plugin/document_path.h"
+#include "plugin/link_table.h"
+#include "plugin/status.h"
+#include "reader/object_storage.h"
+#include "reader/ole_link_path.h"
+#include "reader/presentation.h"
+
+namespace ppt {
+
+namespace {
+
+// Offsets in an ExOleObjAtom.
+constexpr std::size_t kTypeOffset = 4;
+constexpr std::size_t kIdOffset = 8;
+constexpr std::size_t kPersistIdOffset = 16;
+
+constexpr std::uint32_t kLinkedObject = 1;
+
+// As the host sees it: absolute, unless the source has no name at all.
+std::string link_path(const PptRecord& storage_record) {
+    const MemoryBlock block = object_storage(storage_record);
+    ComPtr<IStorage> storage;
+    const std::int32_t status = j_openStorageOnMemory(block.handle(), true, storage.put());
+    if (status != status::kSuccess) {
+        throw static_cast<int>(status);
+    }
+    std::string path;
+    const bool is_relative = n_getOleLinkPath(storage.get(), &path) == 1;
+    if (is_relative) {
+        std::string absolute;
+        v_resolveLinkPath(path.c_str(), document_path().c_str(), &absolute);
+        return absolute;
+    }
+    return path;
+}
+
+} // namespace
+
+void OleObjects::v_addOleLinkObject(const PptRecord& atom, std::int32_t ordinal) {
+    if (atom.u32_at(kTypeOffset) != kLinkedObject) {
+        return;
+    }
+    PptPresentation& presentation = *atom.owner;
+    const std::uint32_t list_position = presentation.n_tellDocument();
+    LinkRecord record;
+    record.holder_persist_id = atom.u32_at(kPersistIdOffset);
+    PersistDirectory& directory = presentation.persist_directory();
+    directory.v_noteObjectAtStart(record.holder_persist_id);
+    record.file_name = path_at(directory.n_objectOffset(record.holder_persist_id), presentation);
+    record.record_type = RT_ExternalOleLink;
+    record.stream_position = list_position;
+    record.external_object_id = atom.u32_at(kIdOffset);
+    record.object_list_ordinal = ordinal;
+    v_addExternalObject(&record);
+    presentation.v_seekDocument(list_position);
+}
+
+const std::string& OleObjects::path_at(std::uint32_t offset, PptPresentation& presentation) {
+    if (const auto known = paths_.find(offset); known != paths_.end()) {
+        return known->second;
+    }
+    presentation.v_seekDocument(offset);
+    PptRecord storage_record(&presentation);
+    storage_record.v_readRecord();
+    if (!storage_record.is(RT_ExternalOleObjectStg)) {
+        throw static_cast<int>(status::kDamaged);
+    }
+    bytes_read_ += storage_record.body.size();
+    const bool storages_overlap = bytes_read_ > presentation.document_size();
+    if (storages_overlap) {
+        throw static_cast<int>(status::kDamaged);
+    }
+    return paths_.emplace(offset, link_path(storage_record)).first->second;
+}
+
+} // namespace ppt

@@ -1,0 +1,132 @@
+#include "rewriter/ole_rewriter.h"
+
+#include "common_new/SafeFunc/paths.h"
+#include "common_new/SafeFunc/split_path.h"
+#include "common_new/common/conversion.h"
+#include "common_new/common/storage.h"
+#include "plugin/checked_allocation.h"
+#include "plugin/error_params.h"
+#include "plugin/link_table.h"
+#include "plugin/status.h"
+#include "reader/object_storage.h"
+#include "rewriter/record_writer.h"
+
+#include <zlib.h>
+
+#include <optional>
+
+namespace ppt {
+
+namespace {
+
+constexpr std::size_t kSizePrefix = 4;
+
+using WidePath = std::basic_string<WCHAR>;
+
+void require(HRESULT result) {
+    if (FAILED(result)) {
+        throw static_cast<int>(j_translateComError(result));
+    }
+}
+
+// A relative path would be taken relative to something else than the presentation.
+bool is_absolute(std::string_view path) {
+    PathParts parts;
+    if (!b_splitPath(path, kSmallDirectoryCapacity, &parts)) {
+        throw static_cast<int>(status::kSystemError);
+    }
+    return has_drive(path) || path.starts_with("//") || path.starts_with("\\\\");
+}
+
+// False for a path that OLE links do not get. The new source is in the storage when this returns.
+bool retarget(IStorage* storage, const WidePath& wide_path, const std::string& path) {
+    ComPtr<IOleLink> link;
+    require(OleLoad(storage, IID_IOleLink, nullptr, link.put_void()));
+    require(link->SetSourceDisplayName(wide_path.c_str()));
+    if (!is_absolute(path)) {
+        return false;
+    }
+    ComPtr<IBindCtx> context;
+    static_cast<void>(CreateBindCtx(0, context.put())); // an update does without one
+    require(link->Update(context.get()));
+    ComPtr<IPersistStorage> saved;
+    require(link->QueryInterface(IID_IPersistStorage, saved.put_void()));
+    require(OleSave(saved.get(), storage, TRUE));
+    return true;
+}
+
+// The size of the storage, then the storage compressed; nothing when zlib cannot.
+std::optional<bytes::Bytes> compressed_body(bytes::View storage) {
+    uLongf size = compressBound(static_cast<uLong>(storage.size()));
+    bytes::Bytes body;
+    resize_checked(body, kSizePrefix + size);
+    bytes::store_u32(body, 0, static_cast<std::uint32_t>(storage.size()));
+    if (compress(body.data() + kSizePrefix, &size, storage.data(),
+                 static_cast<uLong>(storage.size())) != Z_OK) {
+        return std::nullopt;
+    }
+    body.resize(kSizePrefix + size);
+    return body;
+}
+
+std::optional<bytes::Bytes> storage_body(const PptRecord& record, const MemoryBlock& block) {
+    const LockedBytes locked(block);
+    const bytes::View storage = locked.get();
+    return b_isCompressed(record) ? compressed_body(storage)
+                                  : bytes::Bytes(storage.begin(), storage.end());
+}
+
+// The new body of the record; nothing when the object stays as it is. The old body is given up.
+std::optional<bytes::Bytes> retargeted_body(PptRecord& record, const LinkRecord& link) {
+    const MemoryBlock block = object_storage(record);
+    record.body = {};
+    const WidePath path = wide_from_ansi(link.file_name);
+    ComPtr<IStorage> storage;
+    const std::int32_t status = j_openStorageOnMemory(block.handle(), false, storage.put());
+    if (status != status::kSuccess) {
+        throw static_cast<int>(status);
+    }
+    try {
+        if (retarget(storage.get(), path, link.file_name)) {
+            return storage_body(record, block);
+        }
+    } catch (...) {
+        v_setErrorParamTwoTexts(link.initial_file_name, link.file_name.c_str());
+    }
+    return std::nullopt;
+}
+
+// Every link through this object that was to get the same path.
+void note_written(RewriteCopy& copy, const LinkRecord& written) {
+    const LinkRecord* link = nullptr;
+    while ((link = ps_nextLinkOfHolder(written.holder_persist_id, true, link)) != nullptr) {
+        if (b_pathsEqual(link->file_name.c_str(), written.file_name.c_str())) {
+            copy.written_links.insert(link->table_index);
+        }
+    }
+}
+
+} // namespace
+
+std::int32_t n_rewriteOleObject(RewriteCopy& copy, std::uint32_t old_offset,
+                                const LinkRecord* link) {
+    if (link == nullptr) {
+        throw static_cast<int>(status::kNullArgument);
+    }
+    copy.loaded.v_seekDocument(old_offset);
+    PptRecord record(&copy.loaded);
+    record.v_readRecord();
+    if (!record.is(RT_ExternalOleObjectStg)) {
+        throw static_cast<int>(status::kDamaged);
+    }
+    std::optional<bytes::Bytes> body = retargeted_body(record, *link);
+    if (!body) {
+        return 0;
+    }
+    const std::int32_t change = n_setBody(record, std::move(*body));
+    v_writeRecord(copy, record);
+    note_written(copy, *link);
+    return change;
+}
+
+} // namespace ppt

@@ -1,0 +1,217 @@
+// Presentations by many versions of the application and by other programs: what is in them is
+// listed, and rewriting them changes what was asked and nothing else. The files are looked for where
+// PPT_CORPUS says or beside the project; without them the tests are skipped and say so.
+#include "plugin/link_table.h"
+#include "reader/presentation.h"
+#include "tests/plugin/plugin_fixture.h"
+#include "tests/plugin/stored_file.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <map>
+#include <set>
+
+namespace {
+
+using namespace ppt;
+using plugin_test::error_params;
+using plugin_test::StoredFile;
+using presentation_builder::record_at;
+using presentation_builder::RecordAt;
+using Paths = std::vector<std::string>;
+namespace fs = std::filesystem;
+
+std::vector<fs::path> files_in(const char* folder) {
+    const char* given = std::getenv("PPT_CORPUS");
+    const fs::path corpus = given != nullptr ? given : PPT_DEFAULT_CORPUS;
+    std::vector<fs::path> files;
+    if (fs::is_directory(corpus / folder)) {
+        for (const auto& entry : fs::directory_iterator(corpus / folder)) {
+            files.push_back(entry.path());
+        }
+    }
+    std::sort(files.begin(), files.end());
+    return files;
+}
+
+class CorpusTest : public plugin_test::PluginTest {
+  protected:
+    static std::vector<fs::path> readable_files() {
+        std::vector<fs::path> files = files_in("real");
+        for (const fs::path& made : files_in("made")) {
+            if (made.filename() != "a_media_linked.ppt") {
+                files.push_back(made);
+            }
+        }
+        return files;
+    }
+
+    void load_file(const fs::path& file) {
+        ASSERT_EQ(j_loadFile(file.string().c_str(), 3), 0) << file << ": " << error_params();
+    }
+
+    // Changes every link, and every use of an object alike. Returns the paths that the copy must list.
+    Paths change_all(std::string (*change)(const std::string& path)) {
+        std::map<std::int32_t, std::string> by_object;
+        Paths expected;
+        for (std::int32_t i = 0; i < n_getLinkCount(); ++i) {
+            const LinkRecord& record = link(static_cast<std::size_t>(i));
+            rewritten_objects_.insert(record.holder_persist_id);
+            std::string changed = change(link_path(i));
+            if (record.object_list_ordinal >= 0) {
+                changed = by_object.try_emplace(record.object_list_ordinal, changed).first->second;
+            }
+            EXPECT_EQ(j_setLinkFileName(i, changed.c_str(), 0), 0);
+            expected.push_back(changed);
+        }
+        return expected;
+    }
+
+    // Everything that is not part of the change keeps its bytes: all other streams, and all objects
+    // but the document container and the pages whose links changed.
+    void expect_rest_unchanged(const fs::path& before, const std::string& after, bool links_changed) {
+        const StoredFile original(before.string());
+        const StoredFile copy(path(after));
+        for (const auto& [name, data] : original.streams()) {
+            const bool rewritten = name == u"PowerPoint Document" || name == u"Current User" ||
+                                   name == u"\u0005DocumentSummaryInformation";
+            if (!rewritten) {
+                EXPECT_EQ(copy.streams().at(name), data);
+            }
+        }
+        expect_objects_unchanged(before, original, copy, path(after), links_changed);
+    }
+
+    struct Objects {
+        std::map<std::uint32_t, std::uint32_t> offsets; // by persist id
+        std::uint32_t document = 0;
+    };
+
+    static Objects objects_of(const std::string& file) {
+        Objects objects;
+        j_unLoadFile();
+        EXPECT_EQ(j_loadFile(file.c_str(), 0), 0);
+        PersistDirectory& directory = state().presentation->persist_directory();
+        for (std::uint32_t id = 1; id <= static_cast<std::uint32_t>(directory.count()); ++id) {
+            objects.offsets[id] = directory.n_objectOffset(id);
+        }
+        objects.document = state().presentation->current_user_edit().document_persist_id;
+        j_unLoadFile();
+        return objects;
+    }
+
+    void expect_objects_unchanged(const fs::path& before, const StoredFile& original,
+                                         const StoredFile& copy, const std::string& after,
+                                         bool links_changed) {
+        const Objects old_objects = objects_of(before.string());
+        const Objects new_objects = objects_of(after);
+        EXPECT_EQ(old_objects.document, new_objects.document);
+        for (const auto& [id, offset] : old_objects.offsets) {
+            const bool absent = offset == 0 && new_objects.offsets.at(id) == 0;
+            const bool rewritten =
+                links_changed && (id == old_objects.document || rewritten_objects_.contains(id));
+            if (absent || rewritten) {
+                continue;
+            }
+            const RecordAt old_record = record_at(original.document(), offset);
+            const RecordAt new_record = record_at(copy.document(), new_objects.offsets.at(id));
+            ASSERT_EQ(old_record.length, new_record.length) << id;
+            EXPECT_TRUE(std::equal(
+                original.document().begin() + static_cast<std::ptrdiff_t>(old_record.offset),
+                original.document().begin() + static_cast<std::ptrdiff_t>(old_record.end()),
+                copy.document().begin() + static_cast<std::ptrdiff_t>(new_record.offset)))
+                << "object " << id;
+        }
+    }
+
+    std::set<std::uint32_t> rewritten_objects_; // persist ids that hold links that were changed
+};
+
+TEST_F(CorpusTest, LinksAreListedAsAnIndependentReadingFoundThem) {
+    const std::map<std::string, int> expected = {
+        {"42520.ppt", 19},        {"bug58718_008524.ppt", 4}, {"WithLinks.ppt", 4},
+        {"41246-1.ppt", 8},       {"42486.ppt", 1},           {"60003.ppt", 2},
+        {"iisd_report.ppt", 1},   {"testPPT_groups.ppt", 1},  {"53446.ppt", 1},
+        {"testPPT_2imgs.ppt", 1}, {"a_text_links.ppt", 11},   {"a_picture_linked.ppt", 3},
+        {"b_hyperlinks.ppt", 9},  {"b_movies.ppt", 4}};
+    const std::vector<fs::path> files = readable_files();
+    if (files.empty()) {
+        GTEST_SKIP() << "no corpus of real presentations was found";
+    }
+    for (const fs::path& file : files) {
+        load_file(file);
+        const auto found = expected.find(file.filename().string());
+        EXPECT_EQ(n_getLinkCount(), found == expected.end() ? 0 : found->second) << file;
+        for (const std::string& target : link_paths()) {
+            EXPECT_NE(target, "") << file;
+        }
+        j_unLoadFile();
+    }
+}
+
+TEST_F(CorpusTest, ARewriteWithoutChangesKeepsEverything) {
+    const std::vector<fs::path> files = readable_files();
+    if (files.empty()) {
+        GTEST_SKIP() << "no corpus of real presentations was found";
+    }
+    for (const fs::path& file : files) {
+        SCOPED_TRACE(file.string());
+        load_file(file);
+        const Paths before = link_paths();
+        ASSERT_EQ(rewrite("once.ppt"), 0) << error_params();
+        ASSERT_EQ(load_again("once.ppt"), 0) << error_params();
+        EXPECT_EQ(link_paths(), before);
+        ASSERT_EQ(rewrite("twice.ppt"), 0) << error_params();
+        expect_rest_unchanged(file, "twice.ppt", false);
+        EXPECT_EQ(StoredFile(path("twice.ppt")).document(), StoredFile(path("once.ppt")).document());
+    }
+}
+
+TEST_F(CorpusTest, EveryPathCanBecomeShorterEqualOrLonger) {
+    const std::vector<fs::path> files = readable_files();
+    if (files.empty()) {
+        GTEST_SKIP() << "no corpus of real presentations was found";
+    }
+    struct Change {
+        const char* name;
+        std::string (*change)(const std::string& path);
+    };
+    const Change changes[] = {
+        {"shorter", [](const std::string& path) { return path.substr(0, 3); }},
+        {"equal", [](const std::string& path) { return "~" + path.substr(1); }},
+        {"longer", [](const std::string& path) { return path + "/a much longer ending.html"; }}};
+    for (const fs::path& file : files) {
+        for (const Change& change : changes) {
+            rewritten_objects_.clear();
+            SCOPED_TRACE(file.string() + ", " + change.name);
+            load_file(file);
+            const Paths expected = change_all(change.change);
+            ASSERT_EQ(rewrite("once.ppt"), 0) << error_params();
+            ASSERT_EQ(load_again("once.ppt"), 0) << error_params();
+            EXPECT_EQ(link_paths(), expected);
+            const Paths again = change_all([](const std::string& path) { return path + "2"; });
+            ASSERT_EQ(rewrite("twice.ppt"), 0) << error_params();
+            ASSERT_EQ(load_again("twice.ppt"), 0) << error_params();
+            EXPECT_EQ(link_paths(), again);
+            expect_rest_unchanged(file, "twice.ppt", !again.empty());
+        }
+    }
+}
+
+TEST_F(CorpusTest, DamagedFilesEndInTheirStatus) {
+    const std::map<std::string, std::int32_t> others = {
+        {"user-edit-ring.ppt", 8140}, {"fuzzed-3.ppt", 8140}, {"fuzzed-5.ppt", 8140},
+        {"fuzzed-6.ppt", 7295}};
+    const std::vector<fs::path> files = files_in("damaged");
+    if (files.empty()) {
+        GTEST_SKIP() << "no corpus of damaged presentations was found";
+    }
+    for (const fs::path& file : files) {
+        const auto other = others.find(file.filename().string());
+        EXPECT_EQ(j_loadFile(file.string().c_str(), 3), other == others.end() ? 6400 : other->second)
+            << file;
+        EXPECT_EQ(n_getLinkCount(), 0) << file;
+    }
+}
+
+} // namespace
