@@ -21,8 +21,8 @@ AssertHandler set_assert_handler(AssertHandler handler) {
     return before;
 }
 
-void report_assertion(const char* expression, const char* source, std::source_location where) {
-    current_handler({expression, source, where.line()});
+void report_assertion(const char* expression, const char* source, unsigned line) {
+    current_handler({expression, source, line});
 }
 
 } // namespace ppt

@@ -3,8 +3,6 @@
 // failure.
 #pragma once
 
-#include <source_location>
-
 namespace ppt {
 
 inline constexpr const char* kSourceCommon = "common_new/common";
@@ -22,8 +20,7 @@ using AssertHandler = void (*)(const AssertReport& report);
 // there at start, which writes a line to standard error.
 AssertHandler set_assert_handler(AssertHandler handler);
 
-// Reports that `expression` does not hold; `where` is the caller's line.
-void report_assertion(const char* expression, const char* source,
-                      std::source_location where = std::source_location::current());
+// Reports that `expression` does not hold; `line` is the caller's.
+void report_assertion(const char* expression, const char* source, unsigned line = __builtin_LINE());
 
 } // namespace ppt

@@ -38,9 +38,9 @@ std::int32_t HOSTAPI_CALL b_id64IsClear(const id64* id);
 // Copies `source` to `destination`.
 void HOSTAPI_CALL v_id64Move(id64* destination, const id64* source);
 
-// The version of the presentation in `root`, an open compound file that stays the caller's: a number
-// that grows from version to version, compared with the ceiling of j_initDLL. 0 when the file does
-// not tell. The plug-in opens "Current User" right after the call, so the function releases every
-// stream that it opened.
+// The version of the presentation in `root`, an open compound file that stays the caller's: a
+// number that grows from version to version, compared with the ceiling of j_initDLL. 0 when the
+// file does not tell. The plug-in opens "Current User" right after the call, so the function
+// releases every stream that it opened.
 std::int32_t HOSTAPI_CALL j_getPowerPointVersion(IStorage* root);
 }

@@ -10,47 +10,71 @@ using WideString = std::basic_string<WCHAR>;
 
 constexpr std::uint32_t kValuesPerHyperlink = 6;
 constexpr std::size_t kIntegersSize = 32;
+constexpr std::size_t kSmallestEntry = kIntegersSize + std::size_t{2} * 8;
 constexpr std::size_t kHashOffset = 4; // behind the type of the first integer
 constexpr std::uint32_t kWideStringType = VT_LPWSTR;
 constexpr std::uint32_t kLongestHashed = 256;
 
 // A typed string: type, count of units, units, padding to 4. False when it is none.
-bool read_string(bytes::Cursor& cursor, WideString& text) {
+bool read_string(bytes::Cursor& cursor, bytes::View& units) {
     const std::uint32_t type = cursor.u32();
     const std::uint32_t count = cursor.u32();
     if (!cursor.ok() || type != kWideStringType || count > cursor.remaining() / 2) {
         return false;
     }
-    const bytes::View units = cursor.take(std::size_t{count} * 2);
-    text.clear();
-    for (std::size_t i = 0; i < units.size(); i += 2) {
-        text.push_back(static_cast<WCHAR>(bytes::load_u16(units, i)));
-    }
+    units = cursor.take(std::size_t{count} * 2);
     // The padding of the last string may be missing.
     cursor.skip(std::min<std::size_t>(count % 2 == 0 ? 0 : 2, cursor.remaining()));
     return true;
 }
 
-void append_string(bytes::Bytes& out, const WideString& text) {
-    bytes::append_u32(out, kWideStringType);
-    bytes::append_u32(out, static_cast<std::uint32_t>(text.size()));
-    for (const WCHAR unit : text) {
-        bytes::append_u16(out, static_cast<std::uint16_t>(unit));
+WideString text_of(bytes::View units) {
+    WideString text;
+    for (std::size_t i = 0; i < units.size() && bytes::load_u16(units, i) != 0; i += 2) {
+        text.push_back(static_cast<WCHAR>(bytes::load_u16(units, i)));
     }
-    if (text.size() % 2 != 0) {
+    return text;
+}
+
+void append_string(bytes::Bytes& out, bytes::View units) {
+    bytes::append_u32(out, kWideStringType);
+    bytes::append_u32(out, static_cast<std::uint32_t>(units.size() / 2));
+    bytes::append(out, units);
+    if (units.size() % 4 != 0) {
         bytes::append_u16(out, 0);
     }
 }
 
-std::uint32_t hash(const WideString& text) {
-    return n_hashHyperlinkString(text.c_str(), static_cast<std::uint32_t>(text.size()));
+bytes::Bytes terminated_units(const WideString& text) {
+    bytes::Bytes units;
+    for (const WCHAR unit : text) {
+        bytes::append_u16(units, static_cast<std::uint16_t>(unit));
+    }
+    bytes::append_u16(units, 0);
+    return units;
+}
+
+std::uint32_t hash(bytes::View units) {
+    const WideString text = text_of(units);
+    return n_hashHyperlinkString(text.c_str(), static_cast<std::uint32_t>(text.size() + 1));
+}
+
+void append_entry(bytes::Bytes& out, const HyperlinkEntry& entry) {
+    const bytes::Bytes changed =
+        entry.new_address ? terminated_units(*entry.new_address) : bytes::Bytes();
+    const bytes::View address = entry.new_address ? bytes::View(changed) : entry.address;
+    const std::size_t start = out.size();
+    bytes::append(out, entry.integers);
+    bytes::store_u32(out, start + kHashOffset, hash(address) ^ hash(entry.location));
+    append_string(out, address);
+    append_string(out, entry.location);
 }
 
 } // namespace
 
 WideString HyperlinkEntry::target() const {
-    const WideString text = address.c_str();
-    return text.empty() ? WideString(location.c_str()) : text;
+    const WideString text = text_of(address);
+    return text.empty() ? text_of(location) : text;
 }
 
 HyperlinkList parse_hyperlink_list(bytes::View value) {
@@ -58,6 +82,7 @@ HyperlinkList parse_hyperlink_list(bytes::View value) {
     bytes::Cursor cursor(value);
     list.value_count = cursor.u32();
     const std::uint32_t count = list.value_count / kValuesPerHyperlink;
+    list.entries.reserve(std::min<std::size_t>(count, value.size() / kSmallestEntry));
     while (cursor.ok() && list.entries.size() < count) {
         HyperlinkEntry entry;
         entry.integers = cursor.take(kIntegersSize);
@@ -76,11 +101,7 @@ bytes::Bytes build_hyperlink_list(const HyperlinkList& list) {
     bytes::Bytes out;
     bytes::append_u32(out, list.value_count);
     for (const HyperlinkEntry& entry : list.entries) {
-        const std::size_t start = out.size();
-        bytes::append(out, entry.integers);
-        bytes::store_u32(out, start + kHashOffset, hash(entry.address) ^ hash(entry.location));
-        append_string(out, entry.address);
-        append_string(out, entry.location);
+        append_entry(out, entry);
     }
     bytes::append(out, list.rest);
     out.resize((out.size() + 3) / 4 * 4);

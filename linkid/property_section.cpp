@@ -1,7 +1,9 @@
 #include "linkid/property_section.h"
 
+#include "common_new/SafeFunc/split_path.h"
 #include "common_new/common/conversion.h"
 #include "common_new/common/storage.h"
+#include "plugin/failure.h"
 #include "plugin/link_record.h"
 #include "plugin/status.h"
 
@@ -32,16 +34,13 @@ struct PropertyName {
 
 bool PropertyValue::get_text(std::string& text) const {
     if (value_.vt == VT_LPSTR && value_.pszVal != nullptr) {
-        text.assign(value_.pszVal, std::min(std::strlen(value_.pszVal), kLinkTextLimit - 1));
+        text = whole_characters(value_.pszVal, kLinkTextLimit - 1);
         return true;
     }
     if (value_.vt == VT_LPWSTR && value_.pwszVal != nullptr) {
         std::array<char, kLinkTextLimit> ansi{};
-        const std::int32_t status =
-            j_wideToAnsi(value_.pwszVal, -1, ansi.data(), static_cast<std::int32_t>(ansi.size()));
-        if (status != status::kSuccess) {
-            throw static_cast<int>(status);
-        }
+        require_success(
+            j_wideToAnsi(value_.pwszVal, -1, ansi.data(), static_cast<std::int32_t>(ansi.size())));
         text = ansi.data();
         return true;
     }
@@ -53,9 +52,7 @@ bool PropertySection::open_for_reading(IStorage* root) {
     if (status == status::kElementMissing) {
         return false;
     }
-    if (status != status::kSuccess) {
-        throw static_cast<int>(status);
-    }
+    require_success(status);
     const HRESULT result =
         StgOpenPropStg(stream_.get(), FMTID_UserDefinedProperties, 0, 0, section_.put());
     if (result == STG_E_FILENOTFOUND) {
@@ -71,16 +68,14 @@ void PropertySection::open_for_writing(IStorage* root) {
         status = j_translateComError(root->CreateStream(
             kStreamName, STGM_READWRITE | STGM_SHARE_EXCLUSIVE, 0, 0, stream_.put()));
     }
-    if (status != status::kSuccess) {
-        throw static_cast<int>(status);
-    }
+    require_success(status);
     if (FAILED(StgOpenPropStg(stream_.get(), FMTID_UserDefinedProperties, 0, 0, section_.put()))) {
-        throw_com_failure(StgCreatePropStg(stream_.get(), FMTID_UserDefinedProperties, nullptr, 0, 0,
-                                           section_.put()));
+        throw_com_failure(StgCreatePropStg(stream_.get(), FMTID_UserDefinedProperties, nullptr, 0,
+                                           0, section_.put()));
     }
 }
 
-void PropertySection::for_each(const std::function<bool(const std::string&, PROPID)>& visit) {
+void PropertySection::for_each(const std::function<bool(const Name&, PROPID)>& visit) {
     ComPtr<IEnumSTATPROPSTG> properties;
     throw_com_failure(section_->Enum(properties.put()));
     for (;;) {
@@ -96,7 +91,7 @@ void PropertySection::for_each(const std::function<bool(const std::string&, PROP
             property.stat.lpwstrName != nullptr &&
             j_wideToAnsi(property.stat.lpwstrName, -1, name.data(),
                          static_cast<std::int32_t>(name.size())) == status::kSuccess;
-        if (readable && !visit(name.data(), property.stat.propid)) {
+        if (readable && !visit({property.stat.lpwstrName, name.data()}, property.stat.propid)) {
             return;
         }
     }

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string>
 
 namespace ppt {
 
@@ -41,9 +42,15 @@ class PropertySection {
     // Opens stream and section, creating what is missing.
     void open_for_writing(IStorage* root);
 
+    // A property's name in UTF-16 and in the ANSI code page, which may not hold all of it.
+    struct Name {
+        std::basic_string<WCHAR> wide;
+        std::string ansi;
+    };
+
     // Calls `visit` with the name and id of each named property in the order of the section, until
     // it returns false. Names that do not fit 259 bytes in the ANSI code page are passed over.
-    void for_each(const std::function<bool(const std::string&, PROPID)>& visit);
+    void for_each(const std::function<bool(const Name&, PROPID)>& visit);
 
     // VT_EMPTY when there is no such property.
     void read(const std::basic_string<WCHAR>& name, PropertyValue& value);

@@ -12,7 +12,9 @@
 #include "plugin/state.h"
 #include "plugin/status.h"
 #include "plugin/trace_log.h"
+#include "reader/record_types.h"
 
+#include <algorithm>
 #include <map>
 #include <new>
 
@@ -78,12 +80,23 @@ class IdMatches {
     Matches stored_;        // by value
 };
 
+bool any_target_is_empty() {
+    const std::deque<LinkRecord>& links = state().links.links();
+    return std::any_of(links.begin(), links.end(), [](const LinkRecord& link) {
+        return link.record_type == RT_ExternalHyperlink && link.file_name.empty();
+    });
+}
+
 // Fills the target of hyperlinks whose own records carry none. Only the first use of a hyperlink is
 // looked at.
 void fill_empty_targets(bytes::View value) {
+    if (!any_target_is_empty()) {
+        return;
+    }
     const HyperlinkList list = parse_hyperlink_list(value);
     for (std::size_t k = 0; k < list.entries.size(); ++k) {
-        const auto& uses = state().links.uses_of_hyperlink(static_cast<std::int32_t>(k));
+        const std::span<LinkRecord* const> uses =
+            state().links.uses_of_hyperlink(static_cast<std::int32_t>(k));
         if (uses.empty() || !uses.front()->file_name.empty()) {
             continue;
         }
@@ -98,22 +111,25 @@ void fill_empty_targets(bytes::View value) {
 class PropertyReader {
   public:
     PropertyReader(PropertySection& section, std::int32_t flags)
-        : section_(section), flags_(flags) {}
+        : section_(section)
+        , flags_(flags) {}
 
     void read_all() {
-        section_.for_each([this](const std::string& name, PROPID id) { return read(name, id); });
+        section_.for_each(
+            [this](const PropertySection::Name& name, PROPID id) { return read(name, id); });
         matches_.give_to_links();
     }
 
   private:
     // False ends the enumeration.
-    bool read(const std::string& name, PROPID property_id) {
+    bool read(const PropertySection::Name& full_name, PROPID property_id) {
+        const std::string& name = full_name.ansi;
         const bool is_list = name == kHyperlinkListName;
         if (!is_list && !name.starts_with(kTargetFileIdName)) {
             return true;
         }
         PropertyValue value;
-        section_.read(wide_from_ansi(name), value);
+        section_.read(full_name.wide, value);
         if (is_list) {
             return read_list(value);
         }
@@ -147,7 +163,7 @@ class PropertyReader {
 } // namespace
 
 std::int32_t j_readLinkIdsFromProperties(IStorage* root, std::int32_t flags) {
-    v_logLine("Retrieving linkIDs from Document Properties\n");
+    v_logLine("Retrieving linkIDs from Document Properties");
     try {
         PropertySection section;
         if (section.open_for_reading(root)) {

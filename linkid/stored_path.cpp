@@ -1,6 +1,7 @@
 #include "linkid/stored_path.h"
 
 #include "common_new/SafeFunc/paths.h"
+#include "common_new/SafeFunc/split_path.h"
 #include "linkid/link_id_tag.h"
 #include "plugin/status.h"
 
@@ -18,8 +19,16 @@ std::string_view name_suffix(std::string_view file_name) {
     if (item != std::string_view::npos) {
         return file_name.substr(item);
     }
-    const std::size_t bracket = file_name.find(']');
-    return bracket == std::string_view::npos ? std::string_view() : file_name.substr(bracket + 1);
+    for (std::size_t at = 0; at < file_name.size(); at += character_size(file_name, at)) {
+        if (file_name[at] == ']') {
+            // Directly behind the id a digit would be read as part of it.
+            const std::size_t next = at + 1;
+            const bool is_digit =
+                next < file_name.size() && file_name[next] >= '0' && file_name[next] <= '9';
+            return file_name.substr(is_digit ? at : next);
+        }
+    }
+    return {};
 }
 
 } // namespace
@@ -34,12 +43,7 @@ std::string stored_path(const std::string& file_name, const std::string& present
         }
         path = file_name;
     }
-    for (char& character : path) {
-        if (character >= 'A' && character <= 'Z') {
-            character = static_cast<char>(character - 'A' + 'a');
-        }
-    }
-    return path;
+    return ascii_lower(path);
 }
 
 std::string link_property_name(const LinkRecord& link) {
@@ -52,6 +56,10 @@ std::string link_property_name(const LinkRecord& link) {
         name += kNameEnd;
     }
     return name;
+}
+
+std::string plain_property_name(const LinkRecord& link) {
+    return std::string(kLinkIdTag) + id_text(link.link_id) + std::string(kNameEnd);
 }
 
 std::string id_text(const id64& id) {

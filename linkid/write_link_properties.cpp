@@ -8,11 +8,14 @@
 #include "linkid/stored_path.h"
 #include "plugin/document_path.h"
 #include "plugin/error_params.h"
+#include "plugin/failure.h"
 #include "plugin/state.h"
 #include "plugin/status.h"
 
+#include <algorithm>
 #include <array>
 #include <deque>
+#include <unordered_set>
 #include <vector>
 
 namespace ppt {
@@ -31,24 +34,25 @@ void throw_com_result(HRESULT result) {
 
 std::string path_of(IStorage* root) {
     STATSTG stat{};
-    const std::int32_t status = j_translateComError(root->Stat(&stat, STATFLAG_DEFAULT));
-    if (status != status::kSuccess) {
-        throw static_cast<int>(status);
-    }
+    require_success(j_translateComError(root->Stat(&stat, STATFLAG_DEFAULT)));
     std::array<char, kLinkTextLimit> path{};
     const std::int32_t converted =
         j_wideToAnsi(stat.pwcsName, -1, path.data(), static_cast<std::int32_t>(path.size()));
     CoTaskMemFree(stat.pwcsName);
-    if (converted != status::kSuccess) {
-        throw static_cast<int>(converted);
-    }
+    require_success(converted);
     return path.data();
+}
+
+bool is_ascii(const WideString& text) {
+    return std::all_of(text.begin(), text.end(), [](WCHAR unit) { return unit < 0x80; });
 }
 
 // The properties to be written, all in one call.
 class NewProperties {
   public:
-    void add(const std::string& name, const std::string& value) {
+    // `plain_name` is the name where the section's code page does not hold `name`.
+    void add(const std::string& name, const std::string& plain_name, const std::string& value) {
+        plain_names_.push_back(wide_from_ansi(plain_name));
         names_.push_back(wide_from_ansi(name));
         values_.push_back(wide_from_ansi(value));
         PROPSPEC spec{};
@@ -61,15 +65,27 @@ class NewProperties {
         variants_.push_back(variant);
     }
 
-    void write_to(PropertySection& section) const {
-        if (!specs_.empty()) {
-            throw_com_result(section->WriteMultiple(static_cast<ULONG>(specs_.size()), specs_.data(),
-                                                    variants_.data(), kFirstNewId));
+    // One name that the section does not take shall not lose the ids of all links.
+    void write_to(PropertySection& section) {
+        if (specs_.empty() || SUCCEEDED(try_to_write(section))) {
+            return;
         }
+        for (std::size_t i = 0; i < specs_.size(); ++i) {
+            if (!is_ascii(names_[i])) {
+                specs_[i].lpwstr = plain_names_[i].data();
+            }
+        }
+        throw_com_result(try_to_write(section));
     }
 
   private:
+    HRESULT try_to_write(PropertySection& section) const {
+        return section->WriteMultiple(static_cast<ULONG>(specs_.size()), specs_.data(),
+                                      variants_.data(), kFirstNewId);
+    }
+
     std::deque<WideString> names_; // a deque: the specs point into it
+    std::deque<WideString> plain_names_;
     std::deque<WideString> values_;
     std::vector<PROPSPEC> specs_;
     std::vector<PROPVARIANT> variants_;
@@ -78,7 +94,8 @@ class NewProperties {
 class PropertyWriter {
   public:
     PropertyWriter(PropertySection& section, std::string copy_path)
-        : section_(section), copy_path_(std::move(copy_path)) {}
+        : section_(section)
+        , copy_path_(std::move(copy_path)) {}
 
     void write_ids(std::int32_t flags) {
         const bool from_document = state().ids_in_document;
@@ -89,15 +106,16 @@ class PropertyWriter {
             }
         }
         if ((flags & kFlagTargetFileId) != 0 || from_document) {
-            added.add(std::string(kTargetFileIdName), id_text(state().target_file_id));
+            const std::string name(kTargetFileIdName);
+            added.add(name, name, id_text(state().target_file_id));
         }
         throw_com_result(section_->Commit(STGC_DEFAULT));
         added.write_to(section_);
     }
 
-    // Every hyperlink whose path changed gets it as its address; the others keep theirs unit for
-    // unit.
-    void write_hyperlink_list() {
+    // Every hyperlink whose path changed gets it as its address, when `flags` ask for links as the
+    // rewriting of the records did; the others keep theirs unit for unit.
+    void write_hyperlink_list(std::int32_t flags) {
         PropertyValue old_value;
         WideString name = wide_from_ansi(kHyperlinkListName);
         section_.read(name, old_value);
@@ -111,7 +129,8 @@ class PropertyWriter {
         if (!list.complete) {
             throw static_cast<int>(status::kDamaged);
         }
-        for (std::size_t k = 0; k < list.entries.size(); ++k) {
+        const bool links_wanted = (flags & kFlagLinks) != 0;
+        for (std::size_t k = 0; links_wanted && k < list.entries.size(); ++k) {
             set_address(list.entries[k], static_cast<std::int32_t>(k));
         }
         bytes::Bytes blob = build_hyperlink_list(list);
@@ -136,8 +155,12 @@ class PropertyWriter {
                 delete_property(link.property_id);
                 return;
             }
-            rename_property(link.property_id, link_property_name(link));
-            if (!link.path_changed()) {
+            // Several uses of a link share their property, which may be gone by now.
+            const bool has_property = !deleted_.contains(link.property_id);
+            if (has_property) {
+                rename_property(link);
+            }
+            if (has_property && !link.path_changed()) {
                 return;
             }
         }
@@ -149,7 +172,8 @@ class PropertyWriter {
         if (clear && (state().ids_in_document || link.property_id == 0)) {
             return;
         }
-        added.add(link_property_name(link), stored_path(link.file_name, copy_path_));
+        added.add(link_property_name(link), plain_property_name(link),
+                  stored_path(link.file_name, copy_path_));
     }
 
     void delete_property(PROPID id) {
@@ -157,19 +181,25 @@ class PropertyWriter {
         spec.ulKind = PRSPEC_PROPID;
         spec.propid = id;
         throw_com_result(section_->DeleteMultiple(1, &spec));
+        deleted_.insert(id);
     }
 
-    void rename_property(PROPID id, const std::string& name) {
+    HRESULT try_to_rename(PROPID id, const std::string& name) {
         const WideString wide = wide_from_ansi(name);
         const WCHAR* names = wide.c_str();
-        throw_com_result(section_->WritePropertyNames(1, &id, &names));
+        return section_->WritePropertyNames(1, &id, &names);
+    }
+
+    void rename_property(const LinkRecord& link) {
+        if (FAILED(try_to_rename(link.property_id, link_property_name(link)))) {
+            throw_com_result(try_to_rename(link.property_id, plain_property_name(link)));
+        }
     }
 
     static void set_address(HyperlinkEntry& entry, std::int32_t ordinal) {
         for (const LinkRecord* use : state().links.uses_of_hyperlink(ordinal)) {
             if (use->path_changed()) {
-                entry.address = wide_from_ansi(use->file_name);
-                entry.address.push_back(0);
+                entry.new_address = wide_from_ansi(use->file_name);
                 return;
             }
         }
@@ -177,6 +207,7 @@ class PropertyWriter {
 
     PropertySection& section_;
     std::string copy_path_;
+    std::unordered_set<PROPID> deleted_;
 };
 
 // Runs one step; its failure ends the step alone. A status code leaves the document path as error
@@ -203,7 +234,7 @@ std::int32_t j_writeLinkIdsToProperties(IStorage* root, std::int32_t flags) {
     }
     PropertyWriter writer(section, copy_path);
     run([&] { writer.write_ids(flags); });
-    run([&] { writer.write_hyperlink_list(); });
+    run([&] { writer.write_hyperlink_list(flags); });
     return j_translateComError(section->Commit(STGC_DEFAULT));
 }
 

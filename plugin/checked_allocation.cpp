@@ -10,7 +10,9 @@ namespace {
 bool handler_installed = false;
 }
 
-void install_new_handler() { handler_installed = true; }
+void install_new_handler() {
+    handler_installed = true;
+}
 
 void throw_out_of_memory(std::size_t requested) {
     if (handler_installed) {

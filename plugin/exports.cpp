@@ -1,5 +1,6 @@
 #include "plugin/exports.h"
 
+#include "common_new/SafeFunc/paths.h"
 #include "common_new/common/conversion.h"
 #include "common_new/common/target_access.h"
 #include "plugin/checked_allocation.h"
@@ -22,17 +23,6 @@ constexpr std::array<const char*, 3> kMasterFileExtensions = {"*.ppt", "*.pps", 
 constexpr std::array<const char*, 10> kTargetFileExtensions = {
     "*.ppt", "*.gif", "*.jpg", "*.jpeg", "*.wav", "*.mid", "*.wmf", "*.doc", "*.xls", ""};
 
-bool equal_without_case(const std::string& a, const char* b) {
-    const auto lower = [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    };
-    std::size_t i = 0;
-    while (i < a.size() && b[i] != '\0' && lower(a[i]) == lower(b[i])) {
-        ++i;
-    }
-    return i == a.size() && b[i] == '\0';
-}
-
 LinkRecord* find_link(std::int32_t index) {
     LinkTable& table = state().links;
     LinkRecord* link = table.at(index);
@@ -48,6 +38,10 @@ std::int32_t copy_text(const std::string& text, char* buffer) {
     }
     std::memcpy(buffer, text.c_str(), text.size() + 1);
     return status::kSuccess;
+}
+
+void copy_extension(const char* extension, char* buffer) {
+    std::memcpy(buffer, extension, std::strlen(extension) + 1);
 }
 
 // No exception leaves an export.
@@ -93,7 +87,9 @@ std::int32_t PPT_CALL j_termDLL(std::int32_t, std::int32_t) {
     return status::kSuccess;
 }
 
-void PPT_CALL v_setNewMode() { install_new_handler(); }
+void PPT_CALL v_setNewMode() {
+    install_new_handler();
+}
 
 std::int32_t PPT_CALL j_loadFile(const char* path, std::int32_t flags) {
     return guarded([&] { return load_file(path, flags); });
@@ -129,7 +125,7 @@ std::int32_t PPT_CALL j_setLinkFileName(std::int32_t index, const char* name, st
         if (link == nullptr) {
             return status::kIndexOutOfRange;
         }
-        if (equal_without_case(link->file_name, name)) {
+        if (ascii_lower(link->file_name) == ascii_lower(name)) {
             return status::kSuccess;
         }
         link->change_status |= kLinkPathChanged;
@@ -196,13 +192,15 @@ std::int32_t PPT_CALL j_accessTargetFile(const char* pc_targetFile, const char* 
     return guarded([&] { return j_accessTarget(pc_targetFile, pc_masterFile, pc_foundFile); });
 }
 
-ErrorParamArray* PPT_CALL ps_getErrorParamArray() { return error_param_array(); }
+ErrorParamArray* PPT_CALL ps_getErrorParamArray() {
+    return error_param_array();
+}
 
 void PPT_CALL v_getStandardMasterFileExtension(std::int32_t index, char* buffer) {
-    std::strcpy(buffer, kMasterFileExtensions[static_cast<std::size_t>(index)]);
+    copy_extension(kMasterFileExtensions[static_cast<std::size_t>(index)], buffer);
 }
 
 void PPT_CALL v_getStandardTargetFileExtension(std::int32_t index, char* buffer) {
-    std::strcpy(buffer, kTargetFileExtensions[static_cast<std::size_t>(index)]);
+    copy_extension(kTargetFileExtensions[static_cast<std::size_t>(index)], buffer);
 }
 }

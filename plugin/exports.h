@@ -1,8 +1,8 @@
 // The eighteen exported functions: the only door to the plug-in.
 //
 // Calling order: j_initDLL once; for each presentation j_loadFile, any number of link-table calls,
-// then j_rewriteFile (which unloads by itself) or j_unLoadFile; at the end j_termDLL. Calls must not
-// overlap and belong on the thread that called j_initDLL.
+// then j_rewriteFile (which unloads by itself) or j_unLoadFile; at the end j_termDLL. Calls must
+// not overlap and belong on the thread that called j_initDLL.
 //
 // Strings are in the ANSI code page and end with a zero byte; buffers belong to the caller. Results
 // named "status" are the codes of plugin/status.h: 0 is success; on failure the error parameters
@@ -26,16 +26,16 @@
 extern "C" {
 
 // Raises the version ceiling to `ceiling`, keeps `options` when not null (letters, cut at 259),
-// initialises COM on this thread and opens the trace log. 8800 when COM is out of memory; a log that
-// cannot be opened is no failure.
+// initialises COM on this thread and opens the trace log. 8800 when COM is out of memory; a log
+// that cannot be opened is no failure.
 PPT_EXPORT std::int32_t PPT_CALL j_initDLL(std::int32_t ceiling, std::int32_t reserved,
                                            const char* options);
 
 // Uninitialises COM and empties the options. Always 0; unloads nothing.
 PPT_EXPORT std::int32_t PPT_CALL j_termDLL(std::int32_t reserved1, std::int32_t reserved2);
 
-// Makes a failing allocation leave the size asked for and the available physical memory in the error
-// parameters.
+// Makes a failing allocation leave the size asked for and the available physical memory in the
+// error parameters.
 PPT_EXPORT void PPT_CALL v_setNewMode();
 
 // Opens the presentation at `path` read-only and gathers, by the bits of `flags`, its links and
@@ -49,8 +49,8 @@ PPT_EXPORT std::int32_t PPT_CALL j_unLoadFile();
 // Copies the loaded file to `path`, replacing what is there, and rewrites in the copy, by the bits
 // of `flags`, the changed links and their ids (1) and the presentation's own id (2); then unloads.
 // Trailing blanks of `path` are cut in the caller's buffer. The loaded file is never written; after
-// a failure the copy stays as far as it was written. A failure before the copy was opened leaves the
-// presentation loaded.
+// a failure the copy stays as far as it was written. A failure before the copy was opened leaves
+// the presentation loaded.
 PPT_EXPORT std::int32_t PPT_CALL j_rewriteFile(char* path, std::int32_t flags);
 
 PPT_EXPORT std::int32_t PPT_CALL n_getLinkCount();

@@ -12,11 +12,25 @@ namespace ppt {
 
 namespace {
 
-const std::vector<LinkRecord*>& uses_at(const std::map<std::int32_t, std::vector<LinkRecord*>>& map,
-                                        std::int32_t ordinal) {
-    static const std::vector<LinkRecord*> none;
-    const auto found = map.find(ordinal);
-    return found == map.end() ? none : found->second;
+template <class Field>
+void sort_by(std::vector<LinkRecord*>& links, Field LinkRecord::*field) {
+    std::stable_sort(links.begin(), links.end(), [field](const LinkRecord* a, const LinkRecord* b) {
+        return a->*field < b->*field;
+    });
+}
+
+// The stretch of links whose field has the value.
+template <class Field>
+std::span<LinkRecord* const> with(const std::vector<LinkRecord*>& links, Field LinkRecord::*field,
+                                  Field value) {
+    const auto begin = std::lower_bound(
+        links.begin(), links.end(), value,
+        [field](const LinkRecord* link, Field wanted) { return link->*field < wanted; });
+    const auto end =
+        std::upper_bound(begin, links.end(), value, [field](Field wanted, const LinkRecord* link) {
+            return wanted < link->*field;
+        });
+    return {begin, end};
 }
 
 } // namespace
@@ -32,11 +46,15 @@ void LinkTable::append_external_object(const LinkRecord& record) {
     external_objects_.push_back(record);
     LinkRecord& added = external_objects_.back();
     added.table_index = external_objects_.size() - 1;
-    object_by_id_.try_emplace(added.external_object_id, &added);
-    object_by_type_and_id_.try_emplace({added.record_type, added.external_object_id}, &added);
+    const auto [first, is_first] = object_by_id_.try_emplace(added.external_object_id, &added);
+    if (!is_first && first->second->record_type != added.record_type) {
+        later_object_.try_emplace({added.record_type, added.external_object_id}, &added);
+    }
 }
 
-void LinkTable::clear() { *this = LinkTable(); }
+void LinkTable::clear() {
+    *this = LinkTable();
+}
 
 LinkRecord* LinkTable::at(std::int32_t index) {
     if (index < 0 || static_cast<std::size_t>(index) >= links_.size()) {
@@ -47,12 +65,15 @@ LinkRecord* LinkTable::at(std::int32_t index) {
 
 LinkRecord* LinkTable::find_external_object(std::uint32_t record_type,
                                             std::uint32_t external_object_id) {
-    if (record_type == 0) {
-        const auto found = object_by_id_.find(external_object_id);
-        return found == object_by_id_.end() ? nullptr : found->second;
+    const auto first = object_by_id_.find(external_object_id);
+    if (first == object_by_id_.end()) {
+        return nullptr;
     }
-    const auto found = object_by_type_and_id_.find({record_type, external_object_id});
-    return found == object_by_type_and_id_.end() ? nullptr : found->second;
+    if (record_type == 0 || first->second->record_type == record_type) {
+        return first->second;
+    }
+    const auto later = later_object_.find({record_type, external_object_id});
+    return later == later_object_.end() ? nullptr : later->second;
 }
 
 void LinkTable::build_indexes() {
@@ -60,36 +81,37 @@ void LinkTable::build_indexes() {
         return;
     }
     by_holder_.clear();
-    by_object_ordinal_.clear();
-    by_hyperlink_ordinal_.clear();
+    hyperlinks_by_ordinal_.clear();
+    of_document_.clear();
     for (LinkRecord& link : links_) {
-        by_holder_[link.holder_persist_id].push_back(&link);
+        by_holder_.push_back(&link);
         const bool hyperlink = link.record_type == RT_ExternalHyperlink;
-        if (hyperlink && link.holder_persist_id != document_persist_id_) {
-            by_holder_[document_persist_id_].push_back(&link);
-        }
-        by_object_ordinal_[link.object_list_ordinal].push_back(&link);
         if (hyperlink) {
-            by_hyperlink_ordinal_[link.hyperlink_ordinal].push_back(&link);
+            hyperlinks_by_ordinal_.push_back(&link);
+        }
+        if (hyperlink || link.holder_persist_id == document_persist_id_) {
+            of_document_.push_back(&link);
         }
     }
+    by_object_ordinal_ = by_holder_;
+    sort_by(by_holder_, &LinkRecord::holder_persist_id);
+    sort_by(by_object_ordinal_, &LinkRecord::object_list_ordinal);
+    sort_by(hyperlinks_by_ordinal_, &LinkRecord::hyperlink_ordinal);
     indexed_ = true;
 }
 
 LinkRecord* LinkTable::next_of_holder(std::uint32_t persist_id, bool only_changed,
                                       const LinkRecord* after) {
     build_indexes();
-    const auto holder = by_holder_.find(persist_id);
-    if (holder == by_holder_.end()) {
-        return nullptr;
-    }
-    const std::vector<LinkRecord*>& held = holder->second;
+    const std::span<LinkRecord* const> held =
+        persist_id == document_persist_id_
+            ? std::span<LinkRecord* const>(of_document_)
+            : with(by_holder_, &LinkRecord::holder_persist_id, persist_id);
     auto next = held.begin();
     if (after != nullptr) {
-        next = std::upper_bound(held.begin(), held.end(), after->table_index,
-                                [](std::size_t index, const LinkRecord* link) {
-                                    return index < link->table_index;
-                                });
+        next = std::upper_bound(
+            held.begin(), held.end(), after->table_index,
+            [](std::size_t index, const LinkRecord* link) { return index < link->table_index; });
     }
     if (only_changed) {
         next = std::find_if(next, held.end(),
@@ -98,14 +120,14 @@ LinkRecord* LinkTable::next_of_holder(std::uint32_t persist_id, bool only_change
     return next == held.end() ? nullptr : *next;
 }
 
-const std::vector<LinkRecord*>& LinkTable::uses_of_object(std::int32_t object_list_ordinal) {
+std::span<LinkRecord* const> LinkTable::uses_of_object(std::int32_t object_list_ordinal) {
     build_indexes();
-    return uses_at(by_object_ordinal_, object_list_ordinal);
+    return with(by_object_ordinal_, &LinkRecord::object_list_ordinal, object_list_ordinal);
 }
 
-const std::vector<LinkRecord*>& LinkTable::uses_of_hyperlink(std::int32_t hyperlink_ordinal) {
+std::span<LinkRecord* const> LinkTable::uses_of_hyperlink(std::int32_t hyperlink_ordinal) {
     build_indexes();
-    return uses_at(by_hyperlink_ordinal_, hyperlink_ordinal);
+    return with(hyperlinks_by_ordinal_, &LinkRecord::hyperlink_ordinal, hyperlink_ordinal);
 }
 
 LinkRecord* ps_addLinkRecord(LinkRecord* link_template) {
@@ -114,7 +136,7 @@ LinkRecord* ps_addLinkRecord(LinkRecord* link_template) {
     }
     const std::string& path = link_template->file_name;
     if (!path.empty()) {
-        v_logLine("Adding link to file %s\n", path.c_str());
+        v_logLine("Adding link to file ", path);
     }
     if (path.size() >= kLinkTextLimit) {
         v_setErrorParamTextAndNumber(path.c_str(), kLinkTextLimit);

@@ -1,5 +1,5 @@
-// The link table and the external object list of the loaded presentation, with the indexes that keep
-// every look-up constant or logarithmic.
+// The link table and the external object list of the loaded presentation, with the indexes that
+// keep every look-up constant or logarithmic.
 //
 // Records are appended and only removed all together, so indexes and pointers stay valid until
 // `clear`. The indexes by holder and by ordinals are built at the first question after a change:
@@ -12,7 +12,7 @@
 #include <cstdint>
 #include <deque>
 #include <map>
-#include <unordered_map>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -39,9 +39,9 @@ class LinkTable {
     LinkRecord* next_of_holder(std::uint32_t persist_id, bool only_changed,
                                const LinkRecord* after);
     // All uses of the external object at an ordinal, in table order.
-    const std::vector<LinkRecord*>& uses_of_object(std::int32_t object_list_ordinal);
+    std::span<LinkRecord* const> uses_of_object(std::int32_t object_list_ordinal);
     // All uses of the hyperlink at an ordinal, in table order.
-    const std::vector<LinkRecord*>& uses_of_hyperlink(std::int32_t hyperlink_ordinal);
+    std::span<LinkRecord* const> uses_of_hyperlink(std::int32_t hyperlink_ordinal);
 
   private:
     void build_indexes();
@@ -50,30 +50,33 @@ class LinkTable {
     std::deque<LinkRecord> external_objects_;
     std::uint32_t document_persist_id_ = 0;
 
+    // The first object with an id; and by type and id, the first of any other type with that id.
     std::map<std::uint32_t, LinkRecord*> object_by_id_;
-    std::map<std::pair<std::uint32_t, std::uint32_t>, LinkRecord*> object_by_type_and_id_;
+    std::map<std::pair<std::uint32_t, std::uint32_t>, LinkRecord*> later_object_;
 
+    // Links sorted by a field, those of equal fields in table order.
     bool indexed_ = false;
-    std::map<std::uint32_t, std::vector<LinkRecord*>> by_holder_;
-    std::map<std::int32_t, std::vector<LinkRecord*>> by_object_ordinal_;
-    std::map<std::int32_t, std::vector<LinkRecord*>> by_hyperlink_ordinal_;
+    std::vector<LinkRecord*> by_holder_;
+    std::vector<LinkRecord*> by_object_ordinal_;
+    std::vector<LinkRecord*> hyperlinks_by_ordinal_;
+    std::vector<LinkRecord*> of_document_; // what the document container holds, in table order
 };
 
-// Appends a copy of `link_template` to the link table and returns the copy. The template is reset in
-// place: its initial file name becomes its file name, its id clear, its change status, property id
-// and hyperlink text empty. Writes a log line unless the file name is empty. Throws 8300 for null and
-// 7140 for a file name of 1024 bytes or more.
+// Appends a copy of `link_template` to the link table and returns the copy. The template is reset
+// in place: its initial file name becomes its file name, its id clear, its change status, property
+// id and hyperlink text empty. Writes a log line unless the file name is empty. Throws 8300 for
+// null and 7140 for a file name of 1024 bytes or more.
 LinkRecord* ps_addLinkRecord(LinkRecord* link_template);
 
-// Appends a copy of `link_template` to the external object list after resetting its change status to
-// 0 and its slide index and number on slide to -1. Neither logs nor checks the name.
+// Appends a copy of `link_template` to the external object list after resetting its change status
+// to 0 and its slide index and number on slide to -1. Neither logs nor checks the name.
 void v_addExternalObject(LinkRecord* link_template);
 
 // The first external object with the id and, unless `record_type` is 0, the type; null if none.
 LinkRecord* ps_findExternalObject(std::uint32_t record_type, std::uint32_t external_object_id);
 
-// The next link after `after` (null: from the first) that belongs to the object with the persist id:
-// held by it or, for the document container, any hyperlink. Null when there is none.
+// The next link after `after` (null: from the first) that belongs to the object with the persist
+// id: held by it or, for the document container, any hyperlink. Null when there is none.
 LinkRecord* ps_nextLinkOfHolder(std::uint32_t persist_id, bool only_changed,
                                 const LinkRecord* after);
 

@@ -5,6 +5,7 @@
 #include "linkid/link_properties.h"
 #include "plugin/document_path.h"
 #include "plugin/error_params.h"
+#include "plugin/failure.h"
 #include "plugin/sequences.h"
 #include "plugin/state.h"
 #include "plugin/status.h"
@@ -13,7 +14,6 @@
 #include "reader/presentation.h"
 
 #include <array>
-#include <new>
 
 namespace ppt {
 
@@ -36,19 +36,19 @@ std::int32_t read_presentation(ComPtr<IStorage> root, std::int32_t flags) {
         throw static_cast<int>(status::kNotAPresentation);
     }
     presentation.v_readPersistDirectory();
-    v_logLine("Persist directory has been read\n");
+    v_logLine("Persist directory has been read");
     presentation.v_buildObjectArray();
-    v_logLine("Object array has been created\n");
+    v_logLine("Object array has been created");
     if (presentation.has_user_edit()) {
         plugin.links.set_document_persist_id(presentation.current_user_edit().document_persist_id);
     }
     std::int32_t status = j_findLinks(presentation, flags);
-    v_logLine("Link paths have been obtained\n");
+    v_logLine("Link paths have been obtained");
     presentation.v_releaseDocumentStream();
     if (status == status::kSuccess) {
         status = j_readLinkIdsFromProperties(presentation.root(), flags);
     }
-    v_logLine("LinkIds have been retrieved\n");
+    v_logLine("LinkIds have been retrieved");
     return status;
 }
 
@@ -76,21 +76,16 @@ std::int32_t load_file(const char* path, std::int32_t flags) {
         v_unload();
         set_document_path(path);
     }
-    v_logLine("Loading file %s\n", path);
-    try {
-        status = read_presentation(std::move(root), flags);
-    } catch (int failure) {
-        status = failure;
-    } catch (const std::bad_alloc&) {
-        status = status::kOutOfMemory;
-    } catch (...) {
-        v_setErrorParamText(path);
-        status = status::kLoadFailed;
-    }
+    v_logLine("Loading file ", path);
+    status = status_of([&] { return read_presentation(std::move(root), flags); },
+                       [path] {
+                           v_setErrorParamText(path);
+                           return status::kLoadFailed;
+                       });
     if (status != status::kSuccess) {
         v_unload();
     }
-    v_logLine("File has been loaded, j_status=%i\n", status);
+    v_logLine("File has been loaded, j_status=", std::to_string(status));
     return status;
 }
 

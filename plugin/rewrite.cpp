@@ -6,6 +6,7 @@
 #include "linkid/link_properties.h"
 #include "plugin/document_path.h"
 #include "plugin/error_params.h"
+#include "plugin/failure.h"
 #include "plugin/sequences.h"
 #include "plugin/state.h"
 #include "plugin/status.h"
@@ -15,7 +16,6 @@
 
 #include <array>
 #include <cstring>
-#include <new>
 
 namespace ppt {
 
@@ -42,12 +42,12 @@ std::int32_t rewrite_copy(ComPtr<IStorage> root, std::int32_t flags) {
     copy.v_buildObjectArray();
     status = j_rewriteLinks(copy, flags);
     copy.v_releaseDocumentStream();
-    v_logLine("Link paths have been rewritten\n");
+    v_logLine("Link paths have been rewritten");
     if (status != status::kSuccess) {
         return status;
     }
     status = j_writeLinkIdsToProperties(copy.root(), flags);
-    v_logLine("LinkIds have been reset\n");
+    v_logLine("LinkIds have been reset");
     if (status != status::kSuccess) {
         return status;
     }
@@ -73,7 +73,7 @@ std::int32_t rewrite_file(char* path, std::int32_t flags) {
     if (status != status::kSuccess) {
         return status;
     }
-    v_logLine("Rewriting file %s\n", document_path().c_str());
+    v_logLine("Rewriting file ", document_path());
     std::array<WCHAR, kPathLimit> wide_path{};
     status = j_ansiToWide(path, wide_path.data(), kPathLimit);
     ComPtr<IStorage> root;
@@ -83,18 +83,13 @@ std::int32_t rewrite_file(char* path, std::int32_t flags) {
     if (status != status::kSuccess) {
         return status;
     }
-    try {
-        status = rewrite_copy(std::move(root), flags);
-    } catch (int failure) {
-        status = failure;
-    } catch (const std::bad_alloc&) {
-        status = status::kOutOfMemory;
-    } catch (...) {
-        v_setErrorParamText(path);
-        status = status::kWriteFault;
-    }
+    status = status_of([&] { return rewrite_copy(std::move(root), flags); },
+                       [path] {
+                           v_setErrorParamText(path);
+                           return status::kWriteFault;
+                       });
     v_unload();
-    v_logLine("File has been rewritten, j_status=%i\n", status);
+    v_logLine("File has been rewritten, j_status=", std::to_string(status));
     return status;
 }
 

@@ -32,8 +32,9 @@ struct PluginState {
     id64 target_file_id{};
     // Link ids or the target file id were found in the document's own records.
     bool ids_in_document = false;
-    // Table indexes of the changed links that the last rewrite could not write where they stand on
-    // their pages. Kept when the presentation is unloaded, which the rewrite itself does.
+    // Table indexes of the changed links that the last rewrite could not write where they stand, on
+    // their pages or in OLE storages. Kept when the presentation is unloaded, which the rewrite
+    // itself does.
     std::vector<std::size_t> links_not_written;
 
     bool has_option(char letter) const { return options.find(letter) != std::string::npos; }

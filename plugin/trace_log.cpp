@@ -2,7 +2,6 @@
 
 #include "platform/platform.h"
 
-#include <cstdarg>
 #include <cstdio>
 
 namespace ppt {
@@ -39,26 +38,13 @@ void v_openLog() {
     }
 }
 
-void v_logLine(const char* format, ...) {
+void v_logLine(std::string_view text, std::string_view argument) {
     if (log_file == nullptr) {
         return;
     }
-    // Texts of a line are paths and hyperlink targets of at most 1023 bytes; a longer one is cut.
-    char line[2048];
-    std::va_list arguments;
-    va_start(arguments, format);
-    const int length = std::vsnprintf(line, sizeof line, format, arguments);
-    va_end(arguments);
-    if (length <= 0) {
-        return;
+    for (const std::string_view part : {text, argument, std::string_view("\r\n")}) {
+        std::fwrite(part.data(), 1, part.size(), log_file);
     }
-    std::size_t size = static_cast<std::size_t>(length);
-    size = size < sizeof line ? size : sizeof line - 1;
-    if (line[size - 1] == '\n') {
-        --size;
-    }
-    std::fwrite(line, 1, size, log_file);
-    std::fwrite("\r\n", 1, 2, log_file);
 }
 
 } // namespace ppt

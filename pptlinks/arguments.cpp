@@ -12,20 +12,48 @@ namespace pptlinks {
 namespace {
 
 constexpr const char* kDescription =
-    "Lists the links of PowerPoint 97-2003 presentations to outside files and writes copies in "
-    "which they point elsewhere. The presentations themselves are never written.";
+    "Lists the links of PowerPoint 97-2003 presentations to outside files, looks whether these "
+    "files are there and writes copies in which the links point elsewhere. The presentations "
+    "themselves are never written.";
 
 constexpr const char* kExamples = R"(Examples:
   pptlinks list talk.ppt
   pptlinks list --json *.ppt > links.jsonl
+  pptlinks check --drive 'C:=/mnt/c' --drive '\\srv\pub=/mnt/pub' *.ppt
   pptlinks relink talk.ppt -o moved.ppt --map 'C:\media=D:\archive\media'
   pptlinks relink talk.ppt -o new.ppt --set '3=http://example.org/' --set-id 3=1001
   pptlinks list --drive 'Z:=/mnt/z' --drive '\\srv\pub=/mnt/pub' 'Z:\talks\q3.ppt'
 
-Exit status: 0 all well, 1 a file failed, 2 wrong usage.
-Arguments and output are in UTF-8.)";
+Exit status: 0 all well, 1 a file failed or a link is not as it should be, 2 wrong usage.
+Arguments and output are in UTF-8. See "pptlinks COMMAND --help" for more.)";
 
-constexpr const char* kListOptions = "het";
+constexpr const char* kListExamples = R"(Examples:
+  pptlinks list talk.ppt
+  pptlinks list --code-page 1252 --json *.ppt > links.jsonl)";
+
+constexpr const char* kCheckExamples = R"(Examples:
+  pptlinks check talk.ppt
+  pptlinks check --drive 'C:=/mnt/c' --drive '\\srv\pub=/mnt/pub' *.ppt
+  pptlinks check --json talk.ppt | jq '.links[] | select(.target == "missing") | .path'
+
+A path is looked up as seen from the folder of its presentation. Web and mail addresses and file:
+URLs are not checked. With --json every link has a "target", which is "found" (then "found" holds
+the full path, else null), "missing", "unreachable" (its drive or share is not mapped), "denied",
+"invalid", "failed" or "unchecked".
+Exit status: 0 nothing is missing, 1 something is or a file failed, 2 wrong usage.)";
+
+constexpr const char* kRelinkExamples = R"(Examples:
+  pptlinks relink talk.ppt -o moved.ppt --map 'C:\media=D:\archive\media'
+  pptlinks relink talk.ppt -o new.ppt --set '3=http://example.org/' --set-id 3=1001
+  pptlinks relink talk.ppt -o new.ppt --map 'http://old.example=http://new.example' --options e
+  pptlinks relink talk.ppt -o new.ppt --set '2=\\srv\pub\Book.xls!Sheet1' --trust-targets
+
+With the letter h in --options the text of a changed hyperlink becomes its new path, with e only
+where the text was the old path; otherwise the text stays.
+Exit status: 0 all well, 1 no copy was written or not every link could be changed in it, 2 wrong
+usage.)";
+
+constexpr const char* kListOptions = "het"; // of check as well
 constexpr const char* kRelinkOptions = "t";
 
 // Ids that the host hands out have at most 19 digits.
@@ -82,7 +110,7 @@ void add_repeated(CLI::App& app, const std::string& name, std::vector<std::strin
 
 void add_common(CLI::App& app, CommonArguments& common) {
     app.add_option("--options", common.options,
-                   "Letters that steer the reading of hyperlinks in text: h, e and t")
+                   "Letters that steer how hyperlinks in text are treated: h, e and t")
         ->type_name("LETTERS")
         ->capture_default_str();
     app.add_option(
@@ -96,19 +124,33 @@ void add_common(CLI::App& app, CommonArguments& common) {
         "more, separated by ';'");
 }
 
+void add_files(CLI::App& command, FilesArguments& arguments) {
+    arguments.common.options = kListOptions;
+    command.add_option("FILE", arguments.files, "Presentations")->required();
+    command.add_flag("--json", arguments.json,
+                     "One JSON object for each file, one on a line, in place of text");
+    add_common(command, arguments.common);
+}
+
 CLI::App* add_list(CLI::App& app, ListArguments& list) {
     CLI::App* const command = app.add_subcommand("list", "List the links of presentations");
-    list.common.options = kListOptions;
-    command->add_option("FILE", list.files, "Presentations")->required();
-    command->add_flag("--json", list.json,
-                      "One JSON object for each file, one on a line, in place of the table");
-    add_common(*command, list.common);
+    command->footer(kListExamples);
+    add_files(*command, list);
+    return command;
+}
+
+CLI::App* add_check(CLI::App& app, CheckArguments& check) {
+    CLI::App* const command = app.add_subcommand(
+        "check", "Look whether the files that the links of presentations lead to are there");
+    command->footer(kCheckExamples);
+    add_files(*command, check);
     return command;
 }
 
 CLI::App* add_relink(CLI::App& app, RelinkArguments& relink, RawRelink& raw) {
     CLI::App* const command =
         app.add_subcommand("relink", "Write a copy of a presentation with changed links");
+    command->footer(kRelinkExamples);
     relink.common.options = kRelinkOptions;
     command->add_option("FILE", relink.file, "The presentation")->required();
     command->add_option("-o,--output", relink.out, "The copy; replaced if it exists")
@@ -125,6 +167,9 @@ CLI::App* add_relink(CLI::App& app, RelinkArguments& relink, RawRelink& raw) {
                  "Give one link an id; may be repeated. 0 clears it");
     command->add_option("--target-id", raw.target_id, "Give the presentation itself an id")
         ->type_name("ID");
+    command->add_flag("--trust-targets", relink.trust_targets,
+                      "Give linked objects their new path without looking whether its file is "
+                      "there; for machines that cannot see it");
     add_common(*command, relink.common);
     return command;
 }
@@ -154,20 +199,22 @@ void take_apart(const RawRelink& raw, RelinkArguments& relink) {
 
 } // namespace
 
-std::variant<ListArguments, RelinkArguments, PrintAndExit>
-parse_arguments(int argc, const char* const* argv) {
+Command parse_arguments(int argc, const char* const* argv) {
     CLI::App app(kDescription, "pptlinks");
     app.set_version_flag("--version", std::string("pptlinks ") + PPTLINKS_VERSION);
     app.footer(kExamples);
     app.require_subcommand(1);
     ListArguments list;
+    CheckArguments check;
     RelinkArguments relink;
     RawRelink raw;
     const CLI::App* const list_command = add_list(app, list);
+    const CLI::App* const check_command = add_check(app, check);
     add_relink(app, relink, raw);
     try {
         app.parse(argc, argv);
         check_options(list.common);
+        check_options(check.common);
         check_options(relink.common);
         take_apart(raw, relink);
     } catch (const CLI::ParseError& error) {
@@ -178,6 +225,9 @@ parse_arguments(int argc, const char* const* argv) {
     }
     if (list_command->parsed()) {
         return list;
+    }
+    if (check_command->parsed()) {
+        return check;
     }
     return relink;
 }

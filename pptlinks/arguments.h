@@ -17,11 +17,14 @@ struct CommonArguments {
     std::vector<std::string> drives;
 };
 
-struct ListArguments {
+struct FilesArguments {
     CommonArguments common;
     std::vector<std::string> files;
     bool json = false;
 };
+
+struct ListArguments : FilesArguments {};
+struct CheckArguments : FilesArguments {};
 
 // A value for the link with the index: a path, or an id in decimal.
 struct IndexedValue {
@@ -37,6 +40,7 @@ struct RelinkArguments {
     std::vector<PathMapEntry> maps;
     std::vector<IndexedValue> ids;
     std::optional<std::string> target_id;
+    bool trust_targets = false;
 };
 
 // Nothing to do but to print: help or version (status 0), or what is wrong with the arguments.
@@ -46,10 +50,11 @@ struct PrintAndExit {
     std::string error;
 };
 
-inline constexpr int kExitFileFailed = 1;
+inline constexpr int kExitFailed = 1; // a file, or a link of it
 inline constexpr int kExitWrongUsage = 2;
 
-std::variant<ListArguments, RelinkArguments, PrintAndExit> parse_arguments(int argc,
-                                                                           const char* const* argv);
+using Command = std::variant<ListArguments, CheckArguments, RelinkArguments, PrintAndExit>;
+
+Command parse_arguments(int argc, const char* const* argv);
 
 } // namespace pptlinks

@@ -38,6 +38,15 @@ std::string folder_of(const std::string& path) {
 
 } // namespace
 
+std::string absolute_name(const std::string& typed) {
+    if (has_windows_root(typed)) {
+        return typed;
+    }
+    std::error_code no_current_folder;
+    const std::string absolute = std::filesystem::absolute(typed, no_current_folder).string();
+    return no_current_folder ? typed : absolute;
+}
+
 FileName file_name(const std::string& typed) {
     FileName file;
     file.typed = typed;
@@ -47,9 +56,8 @@ FileName file_name(const std::string& typed) {
         file.native = platform::to_native_path(file.ansi);
         return file;
     }
-    std::error_code no_current_folder;
-    file.native = std::filesystem::absolute(typed, no_current_folder).string();
-    file.ansi = ansi_or_throw(no_current_folder ? typed : file.native);
+    file.native = absolute_name(typed);
+    file.ansi = ansi_or_throw(file.native);
     return file;
 }
 

@@ -16,6 +16,10 @@ struct FileName {
     bool is_windows_path = false;
 };
 
+// What names the same file whatever becomes the current directory: `typed` made absolute, a Windows
+// path as it stands. In UTF-8.
+std::string absolute_name(const std::string& typed);
+
 // Throws StatusFailure 6505 for a name that the ANSI code page cannot hold.
 FileName file_name(const std::string& typed);
 

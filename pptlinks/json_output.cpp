@@ -22,13 +22,14 @@ Json text_or_null(const std::optional<std::string>& text) {
     return text ? Json(*text) : Json(nullptr);
 }
 
-std::string link_object(const Link& link, std::size_t index) {
-    return dump(Json{{"index", index},
-                     {"kind", name_of(link.kind)},
-                     {"page", link.page},
-                     {"path", utf8(link.path)},
-                     {"id", text_or_null(link.id)},
-                     {"text", utf8(link.text)}});
+Json link_object(const Link& link, std::size_t index) {
+    return {{"index", index},          {"kind", name_of(link.kind)},  {"page", link.page},
+            {"path", utf8(link.path)}, {"id", text_or_null(link.id)}, {"text", utf8(link.text)}};
+}
+
+void add_target(Json& link, const Target& target) {
+    link["target"] = name_of(target.state);
+    link["found"] = target.state == TargetState::found ? Json(utf8(target.found)) : Json(nullptr);
 }
 
 } // namespace
@@ -43,7 +44,11 @@ void append_json(std::string& out, const Listing& listing) {
         if (i > 0) {
             out.push_back(',');
         }
-        out += link_object(listing.links[i], i);
+        Json link = link_object(listing.links[i], i);
+        if (!listing.targets.empty()) {
+            add_target(link, listing.targets[i]);
+        }
+        out += dump(link);
     }
     out += "]}\n";
 }

@@ -1,9 +1,6 @@
 #include "pptlinks/list_command.h"
 
-#include "plugin/status.h"
-#include "pptlinks/file_names.h"
 #include "pptlinks/json_output.h"
-#include "pptlinks/messages.h"
 #include "pptlinks/output.h"
 #include "pptlinks/terminal_text.h"
 #include "pptlinks/text_encoding.h"
@@ -13,21 +10,10 @@ namespace pptlinks {
 
 namespace {
 
-constexpr std::string_view kNone = "-";
-
-Listing load_listing(const std::string& typed) {
-    Listing listing;
-    listing.file = typed;
-    const LoadedPresentation presentation(file_name(typed).ansi);
-    listing.target_file_id = presentation.target_file_id();
-    listing.links = presentation.links();
-    return listing;
-}
-
 std::string summary(const Listing& listing) {
     const std::size_t count = listing.links.size();
     std::string line = terminal_text_from_utf8(listing.file) + ": ";
-    line += count == 0 ? "no links" : count == 1 ? "1 link" : std::to_string(count) + " links";
+    line += count == 0 ? "no links" : counted(count, "link");
     if (listing.target_file_id) {
         line += ", id " + *listing.target_file_id;
     }
@@ -52,31 +38,17 @@ void append_table(std::string& out, const Listing& listing) {
     table.append_to(out);
 }
 
-void print_listing(const Listing& listing, bool json) {
+// Whether the file was listed.
+bool list_file(const std::string& file, bool json) {
+    const Listing listing = read_listing(file, file, false);
     std::string out;
     if (json) {
         append_json(out, listing);
-    } else {
+    } else if (listing.status == 0) {
         append_table(out, listing);
     }
     print(out);
-}
-
-// Whether the file was listed.
-bool list_file(const std::string& typed, bool json) {
-    try {
-        print_listing(load_listing(typed), json);
-        return true;
-    } catch (const StatusFailure& failure) {
-        complain(sentence(failure, {typed, {}}));
-        if (json) {
-            Listing failed;
-            failed.file = typed;
-            failed.status = failure.status;
-            print_listing(failed, json);
-        }
-        return false;
-    }
+    return listing.status == 0;
 }
 
 } // namespace
@@ -87,7 +59,7 @@ int run_list(const ListArguments& arguments) {
     for (const std::string& file : arguments.files) {
         all_listed = list_file(file, arguments.json) && all_listed;
     }
-    return all_listed ? 0 : kExitFileFailed;
+    return all_listed ? 0 : kExitFailed;
 }
 
 } // namespace pptlinks

@@ -1,53 +1,7 @@
-// pptlinks: lists and changes the links of PowerPoint 97-2003 presentations, as a host of the
-// plug-in. Here the command is chosen and every failure becomes a sentence and an exit status.
-#include "pptlinks/arguments.h"
-#include "pptlinks/failure.h"
-#include "pptlinks/list_command.h"
-#include "pptlinks/messages.h"
-#include "pptlinks/output.h"
-#include "pptlinks/relink_command.h"
-#include "pptlinks/terminal_text.h"
-
-namespace {
-
-using namespace pptlinks;
-
-int run(const ListArguments& arguments) {
-    return run_list(arguments);
-}
-
-int run(const RelinkArguments& arguments) {
-    return run_relink(arguments);
-}
-
-int run(const PrintAndExit& result) {
-    print(result.out);
-    if (!result.error.empty()) {
-        complain("pptlinks: " + terminal_lines_from_utf8(result.error.substr(
-                                    0, result.error.find_last_not_of('\n') + 1)));
-    }
-    return result.status;
-}
-
-} // namespace
+// pptlinks: lists, checks and changes the links of PowerPoint 97-2003 presentations, as a host of
+// the plug-in.
+#include "pptlinks/program.h"
 
 int main(int argc, char** argv) {
-    try {
-        return std::visit([](const auto& command) { return run(command); },
-                          parse_arguments(argc, argv));
-    } catch (const UsageError& error) {
-        complain("pptlinks: " + terminal_text_from_utf8(error.what()) +
-                 "; see \"pptlinks --help\".");
-        return kExitWrongUsage;
-    } catch (const FileFailure& failure) {
-        complain(sentence(failure));
-    } catch (const StatusFailure& failure) {
-        complain(sentence(failure, {"the plug-in", {}}));
-    } catch (const std::bad_alloc&) {
-        complain("pptlinks: there is not enough memory; close other programs and try again.");
-    } catch (const std::exception& error) {
-        complain("pptlinks: this failed unexpectedly (" + terminal_text_from_utf8(error.what()) +
-                 "); report it with the file.");
-    }
-    return kExitFileFailed;
+    return pptlinks::run_program(argc, argv);
 }

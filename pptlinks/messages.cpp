@@ -112,4 +112,8 @@ std::string sentence(const FileFailure& failure) {
     return about(failure.file) + terminal_text_from_utf8(failure.what()) + ".";
 }
 
+std::string problem_of(const StatusFailure& failure) {
+    return expand(find_message(failure.status).problem, failure.parameters);
+}
+
 } // namespace pptlinks

@@ -37,4 +37,7 @@ struct FilesAtWork {
 std::string sentence(const StatusFailure& failure, const FilesAtWork& files);
 std::string sentence(const FileFailure& failure);
 
+// Only what is wrong, to stand behind a colon: "there is no such file".
+std::string problem_of(const StatusFailure& failure);
+
 } // namespace pptlinks

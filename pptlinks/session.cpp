@@ -1,5 +1,6 @@
 #include "pptlinks/session.h"
 
+#include "common_new/common/target_access.h"
 #include "platform/posix/settings.h"
 #include "plugin/exports.h"
 #include "plugin/state.h"
@@ -182,9 +183,6 @@ Link LoadedPresentation::link(std::int32_t index) const {
     link.page = page_of(record);
     link.object_list_ordinal = record.object_list_ordinal;
     link.external_object_id = record.external_object_id;
-    link.is_held_by_page_text =
-        link.kind == LinkKind::hyperlink &&
-        record.holder_persist_id != ppt::state().links.document_persist_id();
     return link;
 }
 
@@ -201,10 +199,6 @@ std::optional<std::string> LoadedPresentation::target_file_id() const {
     id64 id;
     j_getTargetFileId(0, &id);
     return id_text(id);
-}
-
-bool LoadedPresentation::keeps_ids_in_pages() const {
-    return ppt::state().ids_in_document;
 }
 
 bool LoadedPresentation::set_path(std::int32_t index, const std::string& path) {
@@ -224,11 +218,21 @@ void LoadedPresentation::set_target_file_id(const std::string& id) {
     j_setTargetFileId(0, &value);
 }
 
-void LoadedPresentation::rewrite(const std::string& ansi_path) {
+std::vector<std::int32_t> LoadedPresentation::rewrite(const std::string& ansi_path) {
     const ErrorParameterMark mark;
     std::vector<char> path(ansi_path.begin(), ansi_path.end()); // changed in place by the call
     path.push_back('\0');
     mark.require_success(j_rewriteFile(path.data(), kAllFlags), true);
+    const std::vector<std::size_t>& not_written = ppt::state().links_not_written;
+    return {not_written.begin(), not_written.end()};
+}
+
+std::string found_target(const std::string& ansi_target, const std::string& ansi_presentation) {
+    const ErrorParameterMark mark;
+    char found[ppt::kFoundFileSize];
+    mark.require_success(
+        j_accessTargetFile(ansi_target.c_str(), ansi_presentation.c_str(), found, 0));
+    return found;
 }
 
 } // namespace pptlinks

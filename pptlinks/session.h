@@ -32,8 +32,6 @@ struct Link {
     // of videos there gives all its objects the same number.
     std::int32_t object_list_ordinal = -1;
     std::uint32_t external_object_id = 0;
-    // A hyperlink on a piece of a page's text, which that page holds too.
-    bool is_held_by_page_text = false;
 };
 
 class Session {
@@ -58,16 +56,21 @@ class LoadedPresentation {
     Link link(std::int32_t index) const;
     std::vector<Link> links() const;
     std::optional<std::string> target_file_id() const;
-    // Ids of links stand in the pages' own records.
-    bool keeps_ids_in_pages() const;
 
     // False when the path stays, but for the case of letters.
     bool set_path(std::int32_t index, const std::string& path);
     void set_id(std::int32_t index, const std::string& id);
     void set_target_file_id(const std::string& id);
 
-    // Writes the rewritten copy; the presentation is unloaded then.
-    void rewrite(const std::string& ansi_path);
+    // Writes the rewritten copy; the presentation is unloaded then. Gives the indexes of the
+    // changed links that could not be written: pictures and objects that keep their paths,
+    // hyperlinks whose displayed text stays.
+    std::vector<std::int32_t> rewrite(const std::string& ansi_path);
 };
+
+// The full path of the file or folder that the path of a link, `ansi_target`, leads to as seen from
+// the presentation at `ansi_presentation`, whose folder becomes the process's current directory.
+// Needs a session. Throws StatusFailure when nothing was found.
+std::string found_target(const std::string& ansi_target, const std::string& ansi_presentation);
 
 } // namespace pptlinks

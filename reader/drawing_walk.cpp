@@ -154,8 +154,9 @@ LinkRecord* ps_addInteractiveLink(PptRecord& interactive_info, std::int32_t runn
             const bool is_hyperlink = child->u8_at(8) == kActionHyperlink &&
                                       child->u8_at(10) == kNoJump &&
                                       child->u8_at(12) != kLinkToSlide;
-            LinkRecord* object =
-                is_hyperlink ? ps_findExternalObject(RT_ExternalHyperlink, child->u32_at(4)) : nullptr;
+            LinkRecord* object = is_hyperlink
+                                     ? ps_findExternalObject(RT_ExternalHyperlink, child->u32_at(4))
+                                     : nullptr;
             if (object != nullptr) {
                 place_on_page(*object, running_index, counters);
                 added = ps_addLinkRecord(object);

@@ -24,7 +24,8 @@ struct DrawingCounters {
 class DrawingWalk {
   public:
     DrawingWalk(std::uint32_t page_persist_id, std::int32_t running_index)
-        : page_persist_id_(page_persist_id), running_index_(running_index) {}
+        : page_persist_id_(page_persist_id)
+        , running_index_(running_index) {}
 
     // Reads all remaining children of a drawing container or shape group. Throws 8140 for groups
     // nested deeper than kDeepestGroup.

@@ -1,12 +1,11 @@
 #include "reader/external_objects.h"
 
+#include "plugin/failure.h"
 #include "plugin/link_table.h"
 #include "plugin/state.h"
 #include "plugin/status.h"
 #include "reader/ole_objects.h"
 #include "reader/presentation.h"
-
-#include <new>
 
 namespace ppt {
 
@@ -120,20 +119,14 @@ std::int32_t j_walkExternalObjects(PptRecord* list) {
     if (list == nullptr) {
         throw static_cast<int>(status::kNullArgument);
     }
-    try {
+    return status_or(status::kDamaged, [list] {
         Ordinals at;
         OleObjects ole_objects;
         while (PptRecord* object = list->ps_nextChild()) {
             add_object(*list, *object, ole_objects, at);
         }
         return status::kSuccess;
-    } catch (int failure) {
-        return failure;
-    } catch (const std::bad_alloc&) {
-        return status::kOutOfMemory;
-    } catch (...) {
-        return status::kDamaged;
-    }
+    });
 }
 
 } // namespace ppt

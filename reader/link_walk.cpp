@@ -3,6 +3,7 @@
 #include "common_new/common/storage.h"
 #include "linkid/legacy_tags.h"
 #include "linkid/link_id_tag.h"
+#include "plugin/failure.h"
 #include "plugin/link_table.h"
 #include "plugin/state.h"
 #include "plugin/status.h"
@@ -21,6 +22,10 @@ namespace {
 
 constexpr std::uint16_t kSlideInstance = static_cast<std::uint16_t>(PageKind::slide);
 constexpr std::uint16_t kNotesInstance = static_cast<std::uint16_t>(PageKind::notes);
+
+// Pages do not overlap, so walking them all is one pass over the stream. Room is left for ids without
+// an object, which lead to what stands at offset 0.
+constexpr std::uint64_t kMostPasses = 16;
 
 class DocumentWalk {
   public:
@@ -55,6 +60,7 @@ class DocumentWalk {
     std::int32_t running_index_ = -1;
     std::array<std::int32_t, 3> pages_of_kind_{};
     bool first_slide_walked_ = false;
+    std::uint64_t page_bytes_ = 0; // of all pages walked
     std::uint32_t shape_count_ = 0; // that the drawing of the current page claims
     std::vector<PageTags> tags_;
 };
@@ -132,6 +138,11 @@ void DocumentWalk::v_walkSlide(std::uint16_t instance, std::uint32_t persist_id)
     presentation_.v_seekDocument(directory.n_objectOffset(persist_id));
     PptRecord page(&presentation_);
     page.v_readRecord();
+    page_bytes_ += page.header.length;
+    const bool pages_overlap = page_bytes_ > kMostPasses * presentation_.document_size();
+    if (pages_overlap) {
+        throw static_cast<int>(status::kDamaged);
+    }
     if (page.header.length != 0) {
         walk_page_children(page, persist_id, is_first_slide);
     }
@@ -200,20 +211,14 @@ void DocumentWalk::assign_tag_ids() {
 } // namespace
 
 std::int32_t j_findLinks(PptPresentation& presentation, std::int32_t flags) {
-    try {
+    return status_or(status::kDamaged, [&] {
         DocumentWalk walk(presentation, flags);
         const std::int32_t status = walk.walk();
         if (status == status::kSuccess) {
             walk.assign_tag_ids();
         }
         return status;
-    } catch (int failure) {
-        return failure;
-    } catch (const std::bad_alloc&) {
-        return status::kOutOfMemory;
-    } catch (...) {
-        return status::kDamaged;
-    }
+    });
 }
 
 } // namespace ppt

@@ -71,7 +71,8 @@ class Inflater {
 
 } // namespace
 
-MemoryBlock::MemoryBlock(std::size_t size) : memory_(GlobalAlloc(GMEM_MOVEABLE, size)) {
+MemoryBlock::MemoryBlock(std::size_t size)
+    : memory_(GlobalAlloc(GMEM_MOVEABLE, size)) {
     if (memory_ == nullptr) {
         throw_no_block(size);
     }
@@ -94,7 +95,8 @@ void MemoryBlock::resize(std::size_t size) {
     memory_ = resized;
 }
 
-LockedBytes::LockedBytes(const MemoryBlock& block) : memory_(block.handle()) {
+LockedBytes::LockedBytes(const MemoryBlock& block)
+    : memory_(block.handle()) {
     if (auto* const data = static_cast<std::uint8_t*>(GlobalLock(memory_))) {
         bytes_ = {data, block.size()};
     }
@@ -111,9 +113,9 @@ bool b_isCompressed(const PptRecord& storage_record) {
 }
 
 MemoryBlock v_inflateObjectStorage(bytes::View body) {
-    constexpr std::size_t kFirstPiece = 16 * 1024;
-    const bool is_packed =
-        body.size() >= kSizePrefix + 2 && body[kSizePrefix] == 0x78 && body[kSizePrefix + 1] == 0x9C;
+    constexpr std::size_t kFirstPiece = std::size_t{16} * 1024;
+    const bool is_packed = body.size() >= kSizePrefix + 2 && body[kSizePrefix] == 0x78 &&
+                           body[kSizePrefix + 1] == 0x9C;
     if (!is_packed) {
         throw static_cast<int>(status::kDamaged);
     }

@@ -75,11 +75,12 @@ std::string ansi_of_units(bytes::View data) {
     return ansi.c_str();
 }
 
-// The moniker data as far as a path needs it: a file moniker, or one behind the heads of composites,
-// and perhaps an item moniker behind it. Reads outside the data give nothing.
+// The moniker data as far as a path needs it: a file moniker, or one behind the heads of
+// composites, and perhaps an item moniker behind it. Reads outside the data give nothing.
 class MonikerData {
   public:
-    explicit MonikerData(bytes::View data) : data_(data) {}
+    explicit MonikerData(bytes::View data)
+        : data_(data) {}
 
     // Nothing when the data is not understood.
     std::optional<std::string> path() const;
@@ -116,8 +117,8 @@ std::optional<std::string> MonikerData::path() const {
     const std::size_t behind_path = at + 32 + u32(at);
     const std::uint32_t wide_size = u32(behind_path);
     std::size_t item = behind_path + 20;
-    const bool has_wide_path = wide_size > 0 && wide_size < kWidePathLimit &&
-                               behind_path + 6 + wide_size <= data_.size();
+    const bool has_wide_path =
+        wide_size > 0 && wide_size < kWidePathLimit && behind_path + 6 + wide_size <= data_.size();
     if (has_wide_path) {
         path = ansi_of_units(data_.subspan(behind_path + 6, wide_size));
         item = behind_path + wide_size + 26;

@@ -12,10 +12,10 @@ namespace {
 using Block = std::vector<std::uint32_t>;
 
 struct Entry {
-    std::uint32_t first = 0;      // first persist id
-    std::uint32_t announced = 0;  // number of offsets by the head word
-    std::uint32_t present = 0;    // number of them that the block holds
-    std::size_t offsets = 0;      // index of the first offset in the block
+    std::uint32_t first = 0;     // first persist id
+    std::uint32_t announced = 0; // number of offsets by the head word
+    std::uint32_t present = 0;   // number of them that the block holds
+    std::size_t offsets = 0;     // index of the first offset in the block
 };
 
 // Calls `visit` for each entry of a block until it returns false.
@@ -28,8 +28,8 @@ void for_each_entry(const Block& block, Visit visit) {
         entry.first = head & 0xFFFFF;
         entry.announced = head >> 20;
         entry.offsets = at + 1;
-        entry.present =
-            static_cast<std::uint32_t>(std::min<std::size_t>(entry.announced, block.size() - at - 1));
+        entry.present = static_cast<std::uint32_t>(
+            std::min<std::size_t>(entry.announced, block.size() - at - 1));
         if (!visit(entry)) {
             return;
         }

@@ -53,8 +53,8 @@ class PersistDirectory {
     // All ids whose object stands at `offset`, lowest first. Logarithmic, like the above.
     std::vector<std::uint32_t> ids_at(std::uint32_t offset) const;
 
-    // For each id from 1 to count, at index id - 1, whether the newest block has an entry for it. Throws
-    // 8140 when there is no block or it is empty.
+    // For each id from 1 to count, at index id - 1, whether the newest block has an entry for it.
+    // Throws 8140 when there is no block or it is empty.
     std::vector<bool> ids_of_newest_block() const;
 
     // Whether an object starts in [begin, end).

@@ -4,31 +4,29 @@
 #include "plugin/checked_allocation.h"
 #include "plugin/document_path.h"
 #include "plugin/error_params.h"
+#include "plugin/failure.h"
 #include "plugin/status.h"
 #include "reader/record_header.h"
 #include "reader/record_types.h"
 
 #include <unordered_set>
+#include <utility>
 
 namespace ppt {
 
 namespace {
 
-void throw_failure(std::int32_t status) {
-    if (status != status::kSuccess) {
-        throw static_cast<int>(status);
-    }
-}
-
 RecordHeader read_header(IStream* stream) {
     RecordHeaderBytes raw{};
-    throw_failure(j_readStream(stream, raw.data(), static_cast<std::int32_t>(raw.size()), nullptr));
+    require_success(
+        j_readStream(stream, raw.data(), static_cast<std::int32_t>(raw.size()), nullptr));
     return decode_record_header(raw);
 }
 
 } // namespace
 
-PptPresentation::PptPresentation(ComPtr<IStorage> root) : root_(std::move(root)) {
+PptPresentation::PptPresentation(ComPtr<IStorage> root)
+    : root_(std::move(root)) {
     read_current_user();
 }
 
@@ -54,10 +52,10 @@ void PptPresentation::read_current_user() {
 
 IStream* PptPresentation::ps_getDocumentStream() {
     if (!document_ && current_user_valid_) {
-        throw_failure(
+        require_success(
             j_openStream(root_.get(), WIDE("PowerPoint Document"), true, document_.put()));
         STATSTG stat{};
-        throw_failure(j_translateComError(document_->Stat(&stat, STATFLAG_NONAME)));
+        require_success(j_translateComError(document_->Stat(&stat, STATFLAG_NONAME)));
         document_size_ = stat.cbSize.QuadPart;
     }
     return document_.get();
@@ -68,7 +66,9 @@ void PptPresentation::v_setDocumentStream(ComPtr<IStream> stream) {
     document_size_.reset();
 }
 
-void PptPresentation::v_releaseDocumentStream() { v_setDocumentStream({}); }
+void PptPresentation::v_releaseDocumentStream() {
+    v_setDocumentStream({});
+}
 
 IStream* PptPresentation::stream_or_throw() {
     IStream* stream = ps_getDocumentStream();
@@ -84,7 +84,7 @@ std::uint64_t PptPresentation::document_size() {
         return *document_size_;
     }
     STATSTG stat{};
-    throw_failure(j_translateComError(stream->Stat(&stat, STATFLAG_NONAME)));
+    require_success(j_translateComError(stream->Stat(&stat, STATFLAG_NONAME)));
     return stat.cbSize.QuadPart;
 }
 
@@ -117,20 +117,21 @@ void PptPresentation::v_readPersistDirectory() {
 
 void PptPresentation::read_user_edit(std::uint32_t offset, UserEdit& edit) {
     IStream* stream = stream_or_throw();
-    throw_failure(j_seekStream(document_path().c_str(), stream, static_cast<std::int32_t>(offset),
-                               0, nullptr));
+    require_success(j_seekStream(document_path().c_str(), stream, static_cast<std::int32_t>(offset),
+                                 0, nullptr));
     if (read_header(stream).type != RT_UserEditAtom) {
         throw static_cast<int>(status::kDamaged);
     }
     UserEditBytes raw{};
-    throw_failure(j_readStream(stream, raw.data(), static_cast<std::int32_t>(raw.size()), nullptr));
+    require_success(
+        j_readStream(stream, raw.data(), static_cast<std::int32_t>(raw.size()), nullptr));
     edit = decode_user_edit(raw);
 }
 
 void PptPresentation::read_persist_block(std::uint32_t offset) {
     IStream* stream = stream_or_throw();
-    throw_failure(j_seekStream(document_path().c_str(), stream, static_cast<std::int32_t>(offset),
-                               0, nullptr));
+    require_success(j_seekStream(document_path().c_str(), stream, static_cast<std::int32_t>(offset),
+                                 0, nullptr));
     const RecordHeader header = read_header(stream);
     if (header.is_container() || header.type != RT_PersistDirectoryAtom) {
         throw static_cast<int>(status::kDamaged);
@@ -151,7 +152,8 @@ void PptPresentation::read_persist_block(std::uint32_t offset) {
     bytes::Bytes body;
     resize_checked(body, header.length);
     if (!body.empty()) {
-        throw_failure(j_readStream(stream, body.data(), static_cast<std::int32_t>(header.length)));
+        require_success(
+            j_readStream(stream, body.data(), static_cast<std::int32_t>(header.length)));
     }
     std::vector<std::uint32_t> words;
     resize_checked(words, body.size() / 4);
@@ -164,29 +166,37 @@ void PptPresentation::read_persist_block(std::uint32_t offset) {
 void PptPresentation::v_buildObjectArray() {
     if (persist_directory_) {
         persist_directory_->v_buildObjectArray();
-        persist_directory_->v_noteObjectAtStart(current_user_edit_->document_persist_id);
+        // The container that is read is the one that is rewritten, also where the newest directory
+        // puts it at offset 0 and an older one elsewhere.
+        const std::uint32_t document = current_user_edit_->document_persist_id;
+        const std::uint32_t offset = persist_directory_->n_lookupPersistId(document);
+        if (offset != kNoOffset) {
+            persist_directory_->v_setObjectOffset(document, offset);
+        }
+        persist_directory_->v_noteObjectAtStart(document);
     }
 }
 
 void PptPresentation::v_seekDocumentContainer() {
     const std::uint32_t offset =
         persist_directory().n_lookupPersistId(current_user_edit().document_persist_id);
-    throw_failure(j_seekStream(document_path().c_str(), stream_or_throw(),
-                               static_cast<std::int32_t>(offset), 0, nullptr));
+    require_success(j_seekStream(document_path().c_str(), stream_or_throw(),
+                                 static_cast<std::int32_t>(offset), 0, nullptr));
 }
 
 std::uint32_t PptPresentation::n_tellDocument() {
     std::uint32_t position = 0;
-    throw_failure(j_seekStream("", stream_or_throw(), 0, 1, &position));
+    require_success(j_seekStream("", stream_or_throw(), 0, 1, &position));
     return position;
 }
 
 void PptPresentation::v_seekDocument(std::uint32_t offset) {
-    throw_failure(j_seekStream("", stream_or_throw(), static_cast<std::int32_t>(offset), 0, nullptr));
+    require_success(
+        j_seekStream("", stream_or_throw(), static_cast<std::int32_t>(offset), 0, nullptr));
 }
 
 void PptPresentation::v_skipDocument(std::int32_t count) {
-    throw_failure(j_seekStream("", stream_or_throw(), count, 1, nullptr));
+    require_success(j_seekStream("", stream_or_throw(), count, 1, nullptr));
 }
 
 void PptPresentation::v_readDocument(std::span<std::uint8_t> out) {
@@ -207,7 +217,8 @@ void PptPresentation::v_readDocument(std::span<std::uint8_t> out) {
 void PptPresentation::v_requireDocumentBytes(std::uint32_t count) {
     const std::uint64_t size = document_size();
     const std::uint64_t position = n_tellDocument();
-    const bool inside = position <= size && count <= size - position;
+    const bool inside =
+        position <= size && count <= size - position && std::in_range<std::int32_t>(count);
     if (!inside) {
         throw static_cast<int>(status::kDamaged);
     }

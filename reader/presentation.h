@@ -56,8 +56,8 @@ class PptPresentation {
     void v_readPersistDirectory();
     void v_buildObjectArray();
 
-    // Stands the stream at the document container. 8140 without a user edit, 5650 when the directory
-    // does not list the container.
+    // Stands the stream at the document container. 8140 without a user edit, 5650 when the
+    // directory does not list the container.
     void v_seekDocumentContainer();
 
     // Position in the document stream, in bytes from its start.
@@ -66,7 +66,7 @@ class PptPresentation {
     void v_skipDocument(std::int32_t count);
     // Reads exactly `out`; 8140 where the stream ends before.
     void v_readDocument(std::span<std::uint8_t> out);
-    // Throws 8140 unless the stream holds `count` more bytes.
+    // Throws 8140 unless the stream holds `count` more bytes and a seek can skip them.
     void v_requireDocumentBytes(std::uint32_t count);
     std::uint64_t document_size();
 

@@ -3,8 +3,14 @@
 #include "common_new/common/conversion.h"
 #include "common_new/common/storage.h"
 #include "plugin/checked_allocation.h"
+#include "plugin/failure.h"
+#include "plugin/link_record.h"
 #include "plugin/status.h"
 #include "reader/presentation.h"
+#include "reader/utf16.h"
+
+#include <algorithm>
+#include <cstring>
 
 namespace ppt {
 
@@ -29,11 +35,7 @@ void PptRecord::v_readRecord() {
 void PptRecord::v_readHeader() {
     position = owner->n_tellDocument();
     RecordHeaderBytes raw{};
-    const std::int32_t status =
-        j_readStream(owner->ps_getDocumentStream(), raw.data(), kRecordHeaderSize);
-    if (status != status::kSuccess) {
-        throw static_cast<int>(status);
-    }
+    require_success(j_readStream(owner->ps_getDocumentStream(), raw.data(), kRecordHeaderSize));
     header = decode_record_header(raw);
 }
 
@@ -68,25 +70,21 @@ void PptRecord::v_skipRest() {
 }
 
 std::string PptRecord::n_getAnsiString(std::size_t size) const {
-    const std::size_t units = body.size() / 2;
-    std::basic_string<WCHAR> text(units, WIDE('\0'));
-    for (std::size_t i = 0; i < units; ++i) {
-        text[i] = static_cast<WCHAR>(bytes::load_u16(body, 2 * i));
-    }
+    const std::basic_string<WCHAR> text = utf16_units(body);
     if (text.empty()) {
         return {};
     }
-    std::string ansi(size, '\0');
+    char ansi[kLinkTextLimit];
+    size = std::min(size, sizeof ansi);
     std::int32_t written = 0;
-    const std::int32_t status =
-        j_wideToAnsi(text.data(), static_cast<std::int32_t>(units), ansi.data(),
-                     static_cast<std::int32_t>(size), &written);
+    const std::int32_t status = j_wideToAnsi(text.data(), static_cast<std::int32_t>(text.size()),
+                                             ansi, static_cast<std::int32_t>(size), &written);
     const bool has_room_for_terminator = static_cast<std::size_t>(written) < size;
     if (status != status::kSuccess || !has_room_for_terminator) {
         return {};
     }
     // The text ends at its first zero, as it does for everybody who reads it as a C string.
-    return ansi.c_str();
+    return {ansi, strnlen(ansi, static_cast<std::size_t>(written))};
 }
 
 std::uint32_t PptRecord::u32_at(std::size_t offset) const {

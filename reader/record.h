@@ -2,9 +2,9 @@
 //
 // A record is read at the current position of its owner's document stream and consumed whole: after
 // an atom was read, or after all children of a container were read or skipped, the stream stands at
-// the next sibling. The walk only ever moves forward, so a walk costs no more than the stream holds,
-// whatever the lengths in it say. Failures are thrown as `int` status codes; a record that does not
-// lie inside the stream is 8140.
+// the next sibling. The walk only ever moves forward, so a walk costs no more than the stream
+// holds, whatever the lengths in it say. Failures are thrown as `int` status codes; a record that
+// does not lie inside the stream is 8140.
 #pragma once
 
 #include "reader/record_header.h"
@@ -21,14 +21,15 @@ class PptPresentation;
 
 class PptRecord {
   public:
-    explicit PptRecord(PptPresentation* record_owner) : owner(record_owner) {}
+    explicit PptRecord(PptPresentation* record_owner)
+        : owner(record_owner) {}
     PptRecord(const PptRecord&) = delete;
     PptRecord& operator=(const PptRecord&) = delete;
     virtual ~PptRecord() = default;
 
     // Reads the header and, for an atom, the body at the stream's position. A record without an
-    // owner stays as it is. Throws 8140 for a record that runs past the end of the stream, 8800 when
-    // the body cannot be held.
+    // owner stays as it is. Throws 8140 for a record that runs past the end of the stream, 8800
+    // when the body cannot be held.
     void v_readRecord();
 
     // Reads only the header, as the first record of a walk is read: a stream that ends before it is
@@ -45,8 +46,8 @@ class PptRecord {
     // Moves past the children that have not been read.
     void v_skipRest();
 
-    // The body as UTF-16 text, in the ANSI code page. Empty when it does not convert or does not fit
-    // into `size` bytes with its terminator; the failure is not passed on.
+    // The body as UTF-16 text, in the ANSI code page. Empty when it does not convert or does not
+    // fit into `size` bytes (at most 1024) with its terminator; the failure is not passed on.
     std::string n_getAnsiString(std::size_t size) const;
 
     // The 32-bit value at an offset in the body; throws 8140 when the body is shorter.
@@ -57,10 +58,10 @@ class PptRecord {
     bool is(RecordType type) const { return header.type == type; }
 
     RecordHeader header;
-    bytes::Bytes body;           // of an atom
-    PptPresentation* owner;      // not owned
-    std::uint32_t position = 0;  // offset of the header in the document stream
-    std::uint32_t consumed = 0;  // bytes of children read so far, headers included
+    bytes::Bytes body;          // of an atom
+    PptPresentation* owner;     // not owned
+    std::uint32_t position = 0; // offset of the header in the document stream
+    std::uint32_t consumed = 0; // bytes of children read so far, headers included
 
   private:
     std::unique_ptr<PptRecord> child_;

@@ -2,6 +2,7 @@
 
 #include "common_new/common/storage.h"
 #include "plugin/document_path.h"
+#include "plugin/failure.h"
 #include "plugin/status.h"
 #include "reader/presentation.h"
 
@@ -12,14 +13,8 @@ namespace ppt {
 
 namespace {
 
-constexpr std::size_t kPieceSize = 64 * 1024;
+constexpr std::size_t kPieceSize = std::size_t{64} * 1024;
 constexpr std::uint32_t kSmallCopy = 16 * 1024;
-
-void throw_failure(std::int32_t status) {
-    if (status != status::kSuccess) {
-        throw static_cast<int>(status);
-    }
-}
 
 } // namespace
 
@@ -65,9 +60,9 @@ void CopyWriter::copy(PptPresentation& source, std::uint32_t count) {
         return;
     }
     flush();
-    throw_failure(j_seekStream("", stream_, static_cast<std::int32_t>(start_), 0));
-    throw_failure(j_copyStream(source.ps_getDocumentStream(), stream_,
-                               static_cast<std::int32_t>(count)));
+    require_success(j_seekStream("", stream_, static_cast<std::int32_t>(start_), 0));
+    require_success(
+        j_copyStream(source.ps_getDocumentStream(), stream_, static_cast<std::int32_t>(count)));
     start_ += count;
 }
 
@@ -80,9 +75,9 @@ void CopyWriter::flush() {
 }
 
 void CopyWriter::write_at(std::uint32_t position, bytes::View data) {
-    throw_failure(j_seekStream("", stream_, static_cast<std::int32_t>(position), 0));
-    throw_failure(j_writeStream(document_path().c_str(), stream_, data.data(),
-                                static_cast<std::int32_t>(data.size())));
+    require_success(j_seekStream("", stream_, static_cast<std::int32_t>(position), 0));
+    require_success(j_writeStream(document_path().c_str(), stream_, data.data(),
+                                  static_cast<std::int32_t>(data.size())));
 }
 
 } // namespace ppt

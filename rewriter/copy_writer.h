@@ -17,7 +17,8 @@ class PptPresentation;
 class CopyWriter {
   public:
     // `stream` stays its owner's and must outlive the writer.
-    explicit CopyWriter(IStream* stream) : stream_(stream) {}
+    explicit CopyWriter(IStream* stream)
+        : stream_(stream) {}
 
     // The position at which the next byte is written.
     std::uint32_t tell() const { return start_ + static_cast<std::uint32_t>(pending_.size()); }

@@ -16,7 +16,8 @@ std::int32_t n_rewriteHyperlink(PptRecord& container, const LinkRecord& link, Re
     std::int32_t sum = 0;
     bool has_target = false;
     while (PptRecord* child = container.ps_nextChild()) {
-        if (child->is(RT_CString) && child->header.instance() <= kTargetInstance) {
+        const bool is_string = child->is(RT_CString) && !child->header.is_container();
+        if (is_string && child->header.instance() <= kTargetInstance) {
             has_target = has_target || child->header.instance() == kTargetInstance;
             sum += n_replaceString(*child, link.file_name, copy);
         } else {

@@ -20,11 +20,14 @@ bool text_was_path(const LinkRecord& link) {
     return b_pathsEqual(text.c_str(), link.initial_file_name.c_str());
 }
 
-bool is_due_in_page(const LinkRecord& link) {
+// The document container's own objects are written or the rewrite fails; these may be left.
+bool is_due_elsewhere(const LinkRecord& link) {
     const bool is_picture = link.record_type == 0;
+    const bool is_ole_object = link.record_type == RT_ExternalOleLink;
     const bool is_text = link.record_type == RT_ExternalHyperlink &&
                          link.holder_persist_id != state().links.document_persist_id();
-    return link.path_changed() && (is_picture || (is_text && b_textFollowsPath(link)));
+    return link.path_changed() &&
+           (is_picture || is_ole_object || (is_text && b_textFollowsPath(link)));
 }
 
 } // namespace
@@ -46,7 +49,7 @@ bool b_textFollowsPath(const LinkRecord& link) {
 std::vector<std::size_t> links_not_written(const RewriteCopy& copy) {
     std::vector<std::size_t> missing;
     for (const LinkRecord& link : state().links.links()) {
-        if (is_due_in_page(link) && !copy.written_links.contains(link.table_index)) {
+        if (is_due_elsewhere(link) && !copy.written_links.contains(link.table_index)) {
             missing.push_back(link.table_index);
         }
     }

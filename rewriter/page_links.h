@@ -21,9 +21,10 @@ bool b_rewritesTexts();
 // "e" among them it was the old path.
 bool b_textFollowsPath(const LinkRecord& link);
 
-// Table indexes of the changed links that stand in pages and should have been written there, but
+// Table indexes of the changed links that should have been written in pages or OLE storages, but
 // were not: the place of a picture's name was not certain, the runs of a text are not understood,
-// the page or shape was never reached. Cost: the length of the link table.
+// the page or shape was never reached, an OLE object did not take its new source. Cost: the length
+// of the link table.
 std::vector<std::size_t> links_not_written(const RewriteCopy& copy);
 
 } // namespace ppt

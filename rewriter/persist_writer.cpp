@@ -2,7 +2,7 @@
 
 #include "common_new/common/storage.h"
 #include "plugin/document_path.h"
-#include "plugin/status.h"
+#include "plugin/failure.h"
 #include "reader/record.h"
 
 #include <algorithm>
@@ -13,8 +13,6 @@ namespace ppt {
 namespace {
 
 constexpr std::uint32_t kLongestRun = 4095; // what 12 bits of an entry's head hold
-constexpr std::size_t kPreviousEditOffset = 8;
-constexpr std::size_t kDirectoryOffset = 12;
 
 // A record in the copy, found by its moved offset.
 struct OldRecord {
@@ -33,11 +31,8 @@ OldRecord read_old_record(PptPresentation& presentation, std::uint32_t position)
 
 void write_at(PptPresentation& copy, std::uint32_t position, bytes::View data) {
     copy.v_seekDocument(position);
-    const std::int32_t status = j_writeStream(document_path().c_str(), copy.ps_getDocumentStream(),
-                                              data.data(), static_cast<std::int32_t>(data.size()));
-    if (status != status::kSuccess) {
-        throw static_cast<int>(status);
-    }
+    require_success(j_writeStream(document_path().c_str(), copy.ps_getDocumentStream(), data.data(),
+                                  static_cast<std::int32_t>(data.size())));
 }
 
 std::uint32_t moved_unless_zero(const RewriteCopy& copy, std::uint32_t offset) {
@@ -111,17 +106,19 @@ void v_shiftUserEditChain(RewriteCopy& copy) {
     while (position > 0) {
         const bool returned_to_an_edit = !visited.insert(position).second;
         copy.copy.v_seekDocument(position);
-        PptRecord edit(&copy.copy);
-        edit.v_readRecord();
-        if (returned_to_an_edit || !edit.is(RT_UserEditAtom)) {
+        RecordHeaderBytes header{};
+        UserEditBytes body{};
+        copy.copy.v_readDocument(header);
+        copy.copy.v_readDocument(body);
+        if (returned_to_an_edit || decode_record_header(header).type != RT_UserEditAtom) {
             throw static_cast<int>(status::kDamaged);
         }
-        const std::uint32_t previous = moved_unless_zero(copy, edit.u32_at(kPreviousEditOffset));
-        bytes::store_u32(edit.body, kDirectoryOffset,
-                         moved_unless_zero(copy, edit.u32_at(kDirectoryOffset)));
-        bytes::store_u32(edit.body, kPreviousEditOffset, previous);
-        write_at(copy.copy, position + kRecordHeaderSize, edit.body);
-        position = previous;
+        UserEdit edit = decode_user_edit(body);
+        edit.offset_of_last_edit = moved_unless_zero(copy, edit.offset_of_last_edit);
+        edit.offset_of_persist_directory =
+            moved_unless_zero(copy, edit.offset_of_persist_directory);
+        write_at(copy.copy, position + kRecordHeaderSize, encode_user_edit(edit));
+        position = edit.offset_of_last_edit;
     }
 }
 

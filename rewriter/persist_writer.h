@@ -1,5 +1,5 @@
-// The end of a rewritten document stream: the offsets that the document keeps about itself are moved,
-// and a new persist directory and user edit take the place of the newest ones ([MS-PPT]
+// The end of a rewritten document stream: the offsets that the document keeps about itself are
+// moved, and a new persist directory and user edit take the place of the newest ones ([MS-PPT]
 // PersistDirectoryAtom, UserEditAtom, CurrentUserAtom).
 //
 // The new records stand where the old ones stood only when nothing else does: the old user edit
@@ -24,8 +24,8 @@ std::uint32_t n_writePersistDirectory(RewriteCopy& copy);
 // older user edits.
 void v_shiftUserEditChain(RewriteCopy& copy);
 
-// The body of the new persist directory: every object at or behind the first moved offset, and every
-// object that the newest directory listed. With a first moved offset of 0, all ids.
+// The body of the new persist directory: every object at or behind the first moved offset, and
+// every object that the newest directory listed. With a first moved offset of 0, all ids.
 bytes::Bytes n_buildPersistDirectory(const PersistDirectory& directory,
                                      std::uint32_t first_moved_offset);
 

@@ -59,6 +59,9 @@ std::int32_t n_setBody(PptRecord& atom, bytes::Bytes body) {
 }
 
 std::int32_t n_replaceString(PptRecord& record, const std::string& text, RewriteCopy& copy) {
+    if (record.header.is_container()) {
+        throw static_cast<int>(status::kDamaged);
+    }
     const std::int32_t change = n_setBody(record, utf16_bytes(wide_from_ansi(text)));
     v_writeRecord(copy, record);
     return change;

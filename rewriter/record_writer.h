@@ -36,6 +36,7 @@ std::int32_t n_dropRecord(RewriteCopy& copy, const PptRecord& record);
 std::int32_t n_setBody(PptRecord& atom, bytes::Bytes body);
 
 // Writes a string atom with `text` (in the ANSI code page) as its new body, without a terminator.
+// 8140 for a container.
 std::int32_t n_replaceString(PptRecord& record, const std::string& text, RewriteCopy& copy);
 
 } // namespace ppt

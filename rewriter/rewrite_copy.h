@@ -23,7 +23,8 @@ struct RewriteCopy {
 
     bool has_written() const { return copy_position > 0; }
 
-    // Notes that the loaded stream was consumed, and the copy written, up to their current positions.
+    // Notes that the loaded stream was consumed, and the copy written, up to their current
+    // positions.
     void v_notePositions() {
         copy_position = writer.tell();
         loaded_position = loaded.n_tellDocument();
@@ -31,14 +32,15 @@ struct RewriteCopy {
 
     PptPresentation& loaded; // only read
     PptPresentation& copy;
-    CopyWriter writer;       // on the copy's document stream
+    CopyWriter writer; // on the copy's document stream
     ShiftTable shifts;
-    // Table indexes of the links whose picture name or displayed text was written.
+    // Table indexes of the links whose picture name, displayed text or OLE source was written.
     std::unordered_set<std::size_t> written_links;
 
-    std::uint32_t copy_position = 0;      // behind the last record written; 0: none yet
-    std::uint32_t loaded_position = 0;    // behind the last record consumed and written
-    std::uint32_t first_moved_offset = 0; // of the first object moved by a change before it; 0: none
+    std::uint32_t copy_position = 0;   // behind the last record written; 0: none yet
+    std::uint32_t loaded_position = 0; // behind the last record consumed and written
+    std::uint32_t first_moved_offset =
+        0; // of the first object moved by a change before it; 0: none
 };
 
 } // namespace ppt

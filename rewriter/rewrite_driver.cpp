@@ -6,10 +6,12 @@
 #include "plugin/state.h"
 #include "plugin/status.h"
 #include "rewriter/document_rewriter.h"
+#include "rewriter/ole_rewriter.h"
 #include "rewriter/page_links.h"
 #include "rewriter/persist_writer.h"
 #include "rewriter/slide_rewriter.h"
 
+#include <algorithm>
 #include <vector>
 
 namespace ppt {
@@ -28,7 +30,10 @@ std::int32_t n_rewritePersistObject(RewriteCopy& copy, std::uint32_t id, std::ui
     const bool drops_ids = state().ids_in_document;
     const LinkRecord* link = ps_nextLinkOfHolder(id, !drops_ids, nullptr);
     if (link != nullptr && link->record_type == RT_ExternalOleLink) {
-        return 0;
+        // Of several uses of one object only a later one may have changed.
+        link = ps_nextLinkOfHolder(id, true, nullptr);
+        const bool changed = (flags & kFlagLinks) != 0 && link != nullptr;
+        return changed ? n_rewriteOleObject(copy, old_offset, link) : 0;
     }
     if (link != nullptr && !link->path_changed()) {
         link = ps_nextLinkOfHolder(id, true, link);
@@ -50,26 +55,38 @@ void move_up_to(RewriteCopy& copy, std::uint32_t old_offset) {
     }
 }
 
+// Of the ids that share an object, the one that its links know as their holder.
+std::uint32_t holder_among(const std::vector<std::uint32_t>& ids, std::uint32_t document) {
+    if (std::find(ids.begin(), ids.end(), document) != ids.end()) {
+        return document;
+    }
+    const auto holder = std::find_if(ids.begin(), ids.end(), [](std::uint32_t id) {
+        return ps_nextLinkOfHolder(id, false, nullptr) != nullptr;
+    });
+    return holder == ids.end() ? ids.front() : *holder;
+}
+
 void rewrite_objects(RewriteCopy& copy, std::int32_t flags) {
     const PersistDirectory& objects = copy.loaded.persist_directory();
     PersistDirectory& moved_objects = copy.copy.persist_directory();
+    const std::uint32_t document = copy.loaded.current_user_edit().document_persist_id;
     std::uint32_t offset = kNoOffset;
     for (;;) {
-        const std::int32_t id = objects.n_nextObjectByOffset(offset);
-        if (id < 0) {
+        if (objects.n_nextObjectByOffset(offset) < 0) {
             return;
         }
+        const std::vector<std::uint32_t> ids = objects.ids_at(offset);
         if (copy.has_written()) {
             move_up_to(copy, offset);
-            // Ids that share an object move together, though only the lowest is visited.
-            for (const std::uint32_t shared : objects.ids_at(offset)) {
-                moved_objects.v_setObjectOffset(shared, copy.copy_position);
+            // Ids that share an object move together, though it is visited only once.
+            for (const std::uint32_t id : ids) {
+                moved_objects.v_setObjectOffset(id, copy.copy_position);
             }
         } else {
             copy.writer.seek(offset);
         }
         const std::int32_t change =
-            n_rewritePersistObject(copy, static_cast<std::uint32_t>(id), offset, flags);
+            n_rewritePersistObject(copy, holder_among(ids, document), offset, flags);
         if (change != 0) {
             copy.shifts.add(offset, change);
         }

@@ -13,8 +13,9 @@ class ShiftTable {
     // noted in ascending order of their old offsets. Throws 8800.
     void add(std::uint32_t old_offset, std::int32_t size_change);
 
-    // The offset plus the size changes of all objects that started before it; an object's own offset
-    // is not moved by its change. Logarithmic. Throws 8140 when the result is no stream offset.
+    // The offset plus the size changes of all objects that started before it; an object's own
+    // offset is not moved by its change. Logarithmic. Throws 8140 when the result is no stream
+    // offset.
     std::uint32_t moved(std::uint32_t offset) const;
 
   private:

@@ -160,13 +160,20 @@ void v_resolveLinkPath(const char* link_path, const char* master, std::string* o
     const PathParts parts = split_path(master);
     std::string combined(parts.drive);
     if (!link.starts_with('\\')) {
-        const std::string_view directory = parts.directory.substr(0, kSmallDirectoryCapacity - 1);
+        const std::string_view directory = whole_characters(parts.directory, kSmallDirectoryCapacity - 1);
         require(n_makePath(&combined, kPathCapacity, parts.drive, directory, {}, {}) == 0,
                 status::kSystemError);
     }
     require_below(link, kPathLimit - static_cast<std::int32_t>(combined.size()));
     combined += link;
     *output = universal_name(combined);
+}
+
+std::string ascii_lower(std::string_view text) {
+    return map_characters(text, [](char character) {
+        return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a')
+                                                    : character;
+    });
 }
 
 bool b_hasSpecialCharacter(std::string_view name) {

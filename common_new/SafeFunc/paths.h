@@ -34,6 +34,9 @@ void v_makeRelativePath(const char* target, const char* master, std::string* out
 // from the master's drive or folder on, and as its UNC name where that is on a network drive.
 void v_resolveLinkPath(const char* link_path, const char* master, std::string* output);
 
+// The text with its ASCII letters in lower case. The bytes of double-byte characters are none.
+std::string ascii_lower(std::string_view text);
+
 // Whether one of the characters +=@^*{}[]<>;'| makes the name unusable; the error parameters become
 // the name and the 1-based position in bytes. The search ends at the first '?', which is none.
 bool b_hasSpecialCharacter(std::string_view name);

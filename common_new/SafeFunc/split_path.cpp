@@ -22,6 +22,14 @@ std::size_t character_size(std::string_view text, std::size_t at) {
     return whole && IsDBCSLeadByte(static_cast<BYTE>(text[at])) != FALSE ? 2 : 1;
 }
 
+std::string_view whole_characters(std::string_view text, std::size_t size) {
+    std::size_t end = 0;
+    while (end < text.size() && end + character_size(text, end) <= size) {
+        end += character_size(text, end);
+    }
+    return text.substr(0, end);
+}
+
 PathParts split_path(std::string_view path) {
     PathParts parts;
     if (has_drive(path)) {

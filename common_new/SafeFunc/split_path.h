@@ -36,6 +36,9 @@ inline bool has_drive(std::string_view path) {
 // The bytes of the character at `at`: 2 for a double-byte character, else 1.
 std::size_t character_size(std::string_view text, std::size_t at);
 
+// The first characters of the text that fit `size` bytes.
+std::string_view whole_characters(std::string_view text, std::size_t size);
+
 // Splits whatever the lengths of the parts. Cost: one scan.
 PathParts split_path(std::string_view path);
 

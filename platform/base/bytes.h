@@ -19,7 +19,8 @@ using View = std::span<const std::uint8_t>;
 
 class Cursor {
   public:
-    explicit Cursor(View data) : data_(data) {}
+    explicit Cursor(View data)
+        : data_(data) {}
 
     std::size_t position() const { return position_; }
     std::size_t remaining() const { return data_.size() - position_; }
@@ -88,7 +89,9 @@ inline void store_u32(std::span<std::uint8_t> data, std::size_t at, std::uint32_
     store_u16(data, at + 2, static_cast<std::uint16_t>(value >> 16));
 }
 
-inline void append_u8(Bytes& out, std::uint8_t value) { out.push_back(value); }
+inline void append_u8(Bytes& out, std::uint8_t value) {
+    out.push_back(value);
+}
 
 inline void append_u16(Bytes& out, std::uint16_t value) {
     out.push_back(static_cast<std::uint8_t>(value));
@@ -105,6 +108,8 @@ inline void append_u64(Bytes& out, std::uint64_t value) {
     append_u32(out, static_cast<std::uint32_t>(value >> 32));
 }
 
-inline void append(Bytes& out, View data) { out.insert(out.end(), data.begin(), data.end()); }
+inline void append(Bytes& out, View data) {
+    out.insert(out.end(), data.begin(), data.end());
+}
 
 } // namespace bytes

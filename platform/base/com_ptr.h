@@ -9,15 +9,18 @@ class ComPtr {
     ComPtr() = default;
 
     // Takes over a reference that the caller holds; does not add one.
-    explicit ComPtr(Interface* owned) : pointer_(owned) {}
+    explicit ComPtr(Interface* owned)
+        : pointer_(owned) {}
 
-    ComPtr(const ComPtr& other) : pointer_(other.pointer_) {
+    ComPtr(const ComPtr& other)
+        : pointer_(other.pointer_) {
         if (pointer_ != nullptr) {
             pointer_->AddRef();
         }
     }
 
-    ComPtr(ComPtr&& other) noexcept : pointer_(std::exchange(other.pointer_, nullptr)) {}
+    ComPtr(ComPtr&& other) noexcept
+        : pointer_(std::exchange(other.pointer_, nullptr)) {}
 
     ComPtr& operator=(ComPtr other) noexcept {
         std::swap(pointer_, other.pointer_);

@@ -31,7 +31,9 @@ enum class Errc {
 class Error : public std::runtime_error {
   public:
     // `place` says in a few words what was being done, with the numbers found and allowed.
-    Error(Errc error_code, const std::string& place) : std::runtime_error(place), code_(error_code) {}
+    Error(Errc error_code, const std::string& place)
+        : std::runtime_error(place)
+        , code_(error_code) {}
 
     Errc code() const { return code_; }
 

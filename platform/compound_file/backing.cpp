@@ -7,7 +7,7 @@
 namespace compound_file {
 namespace {
 
-constexpr std::uint64_t kCopyBytes = 1024 * 1024;
+constexpr std::uint64_t kCopyBytes = std::uint64_t{1024} * 1024;
 
 } // namespace
 

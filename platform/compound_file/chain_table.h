@@ -74,6 +74,8 @@ class ChainTable {
     void link_picked(const Pick& pick);
 
     void set(Sector sector, Sector value);
+    // Room for all links of a file that is being read.
+    void reserve_links(std::size_t count) { links_.reserve(count); }
     // Appends table sectors read from a file, or `count` links that are all free.
     void load_links(bytes::View raw);
     void add_free_links(std::uint32_t count);

@@ -6,7 +6,7 @@
 namespace compound_file {
 namespace {
 
-constexpr std::size_t kJoinedBytes = 256 * 1024;
+constexpr std::size_t kJoinedBytes = std::size_t{256} * 1024;
 
 } // namespace
 

@@ -13,6 +13,9 @@ namespace {
 using platform::Errc;
 using platform::Error;
 
+// FAT sectors read in one piece: enough to join reads, few enough to stay in the caches.
+constexpr std::size_t kSectorsAtOnce = 64;
+
 void require_inside(Sector sector, Sector file_sectors, const char* what) {
     if (sector >= file_sectors) {
         throw Error(Errc::corrupt, std::string(what) + " sector " + std::to_string(sector) +
@@ -34,13 +37,19 @@ void SectorTable::load(Backing& backing, const Header& header) {
     const Sector file_sectors = geometry_.sectors_in(backing.size());
     load_lists(backing, header, file_sectors);
     require_distinct(fat_sectors_);
-    // A link that is not there is no free sector: it reads as an end of chain.
-    bytes::Bytes raw(fat_sectors_.size() << geometry_.shift());
-    for (std::size_t at = 0; at < raw.size(); at += kLinkBytes) {
-        bytes::store_u32(raw, at, kEndOfChain);
+    reserve_links(fat_sectors_.size() * geometry_.links_per_sector());
+    const std::span<const Sector> all(fat_sectors_);
+    bytes::Bytes raw;
+    for (std::size_t first = 0; first < all.size(); first += kSectorsAtOnce) {
+        const auto piece = all.subspan(first, std::min(kSectorsAtOnce, all.size() - first));
+        raw.resize(piece.size() << geometry_.shift());
+        // A link that is not there is no free sector: it reads as an end of chain.
+        for (std::size_t at = 0; at < raw.size(); at += kLinkBytes) {
+            bytes::store_u32(raw, at, kEndOfChain);
+        }
+        read_sectors(backing, geometry_, piece, raw);
+        load_links(raw);
     }
-    read_sectors(backing, geometry_, fat_sectors_, raw);
-    load_links(raw);
     present_ = std::min(size(), file_sectors);
     lists_written();
 }

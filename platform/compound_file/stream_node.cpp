@@ -14,9 +14,10 @@ namespace {
 using platform::Errc;
 using platform::Error;
 
-constexpr std::size_t kWindowBytes = 64 * 1024;
-constexpr std::size_t kFirstReach = 4 * 1024; // after a jump; doubled while reads go on from there
-constexpr std::array<std::uint8_t, 64 * 1024> kZeros{};
+constexpr std::size_t kWindowBytes = std::size_t{64} * 1024;
+constexpr std::size_t kFirstReach =
+    std::size_t{4} * 1024; // after a jump; doubled while reads go on from there
+constexpr std::array<std::uint8_t, kWindowBytes> kZeros{};
 
 } // namespace
 

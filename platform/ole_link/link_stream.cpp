@@ -15,7 +15,9 @@ constexpr std::size_t kFlagsOffset = 4;
 constexpr std::size_t kSizeSize = 4;
 constexpr std::uint32_t kClassFollows = 0xFFFFFFFF;
 
-void assign(bytes::Bytes& bytes, bytes::View data) { bytes.assign(data.begin(), data.end()); }
+void assign(bytes::Bytes& bytes, bytes::View data) {
+    bytes.assign(data.begin(), data.end());
+}
 
 // False when the moniker does not lie inside the stream.
 bool read_moniker(bytes::Cursor& cursor, bool size_counts_itself, bytes::Bytes& moniker) {

@@ -1,8 +1,9 @@
 // The OLE stream of an object ([MS-OLEDS] OLEStream): for a linked object it holds the monikers of
 // the source, relative to the document and absolute.
 //
-// Every byte that a new source does not concern is kept as it was read: a stream that is not changed
-// serialises to the bytes it was parsed from. Monikers are bytes here; moniker.h takes them apart.
+// Every byte that a new source does not concern is kept as it was read: a stream that is not
+// changed serialises to the bytes it was parsed from. Monikers are bytes here; moniker.h takes them
+// apart.
 #pragma once
 
 #include "platform/base/bytes.h"

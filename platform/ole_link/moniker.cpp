@@ -190,8 +190,7 @@ bytes::Bytes serialise(const Moniker& moniker) {
         bytes::append(parts, item.stored);
     }
     bytes::append(parts, moniker.unknown);
-    const std::size_t count =
-        (moniker.file ? 1 : 0) + moniker.items.size() + moniker.unknown_count;
+    const std::size_t count = (moniker.file ? 1 : 0) + moniker.items.size() + moniker.unknown_count;
     if (count <= 1) {
         return parts;
     }

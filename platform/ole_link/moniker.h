@@ -1,5 +1,5 @@
-// Source monikers of linked objects, as they are stored ([MS-OLEDS] MONIKERSTREAM): a file, an item,
-// or a file composed with items ([MS-OSHARED] FileMoniker, ItemMoniker, CompositeMoniker).
+// Source monikers of linked objects, as they are stored ([MS-OLEDS] MONIKERSTREAM): a file, an
+// item, or a file composed with items ([MS-OSHARED] FileMoniker, ItemMoniker, CompositeMoniker).
 //
 // Monikers of other classes are bytes that nobody looks into. Since none of them says how long it
 // is, everything behind the first unknown one in a composite is unknown too.

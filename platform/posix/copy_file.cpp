@@ -48,8 +48,8 @@ DWORD open_source(const std::string& path, OpenFile& source) {
 }
 
 DWORD open_new(const std::string& path, const OpenFile& source, OpenFile& destination) {
-    destination.handle =
-        FileHandle(path, O_WRONLY | O_CREAT | O_EXCL, (source.status.st_mode & kModeBits) | S_IWUSR);
+    destination.handle = FileHandle(path, O_WRONLY | O_CREAT | O_EXCL,
+                                    (source.status.st_mode & kModeBits) | S_IWUSR);
     if (!destination.handle.is_open()) {
         return path_error_of_errno(errno, path);
     }

@@ -22,7 +22,8 @@ class BindContext final : public ComObject<IBindCtx> {
 
 class FileMoniker final : public ComObject<IMoniker> {
   public:
-    explicit FileMoniker(std::u16string name) : name_(std::move(name)) {}
+    explicit FileMoniker(std::u16string name)
+        : name_(std::move(name)) {}
 
     HRESULT QueryInterface(REFIID iid, void** object) override {
         return answer(iid, object, {IID_IMoniker});
@@ -48,7 +49,8 @@ bool exists(std::u16string_view path) {
 
 bool items_are_named(std::u16string_view items) {
     // `items` is empty or begins with its first '!'.
-    return items.find(u"!!") == std::u16string_view::npos && (items.empty() || items.back() != u'!');
+    return items.find(u"!!") == std::u16string_view::npos &&
+           (items.empty() || items.back() != u'!');
 }
 
 HRESULT parse(std::u16string_view name) {

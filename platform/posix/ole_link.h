@@ -1,10 +1,10 @@
-// Linked OLE objects as the plug-in calls them: loading one from its storage, asking for its source,
-// giving it a new one and saving it. Implemented over platform/ole_link/.
+// Linked OLE objects as the plug-in calls them: loading one from its storage, asking for its
+// source, giving it a new one and saving it. Implemented over platform/ole_link/.
 //
 // Differences from Windows that a caller can meet: no application is started, so an update only
 // makes sure that the source's file is there (settings.h can waive even that) and leaves cached
-// pictures as they are; an object is saved where it was loaded from; of IOleLink and IPersistStorage
-// only the members that the plug-in calls are declared, in their order.
+// pictures as they are; an object is saved where it was loaded from; of IOleLink and
+// IPersistStorage only the members that the plug-in calls are declared, in their order.
 #pragma once
 
 #include "platform/posix/monikers.h"

@@ -22,8 +22,7 @@ constexpr WCHAR kOleStream[] = u"\001Ole";
 bool targets_are_trusted = false;
 
 HRESULT open_ole_stream(IStorage* storage, DWORD access, ComPtr<IStream>& stream) {
-    return storage->OpenStream(kOleStream, nullptr, access | STGM_SHARE_EXCLUSIVE, 0,
-                               stream.put());
+    return storage->OpenStream(kOleStream, nullptr, access | STGM_SHARE_EXCLUSIVE, 0, stream.put());
 }
 
 // Piece by piece, since a damaged storage may claim a stream that it does not hold.

@@ -73,10 +73,8 @@ struct STATPROPSETSTG {
     DWORD dwOSVersion;
 };
 
-inline constexpr IID IID_IPropertyStorage{
-    0x00000138, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
-inline constexpr IID IID_IEnumSTATPROPSTG{
-    0x00000139, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+inline constexpr IID IID_IPropertyStorage{0x00000138, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+inline constexpr IID IID_IEnumSTATPROPSTG{0x00000139, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 inline constexpr FMTID FMTID_DocSummaryInformation{
     0xD5CDD502, 0x2E9C, 0x101B, {0x93, 0x97, 0x08, 0x00, 0x2B, 0x2C, 0xF9, 0xAE}};
 inline constexpr FMTID FMTID_UserDefinedProperties{

@@ -37,6 +37,12 @@ HRESULT read_property_stream(IStream& stream, bytes::Bytes& content) {
     if (const HRESULT result = go_to_start(stream); FAILED(result)) {
         return result;
     }
+    STATSTG stat{};
+    if (SUCCEEDED(stream.Stat(&stat, STATFLAG_NONAME))) {
+        content.reserve(static_cast<std::size_t>(
+                            std::min<std::uint64_t>(stat.cbSize.QuadPart, kMaxPropertyStream)) +
+                        kChunk);
+    }
     for (;;) {
         const std::size_t had = content.size();
         content.resize(had + kChunk);

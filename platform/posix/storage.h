@@ -47,8 +47,7 @@ struct STATSTG {
     DWORD reserved;
 };
 
-inline constexpr IID IID_IUnknown{
-    0x00000000, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+inline constexpr IID IID_IUnknown{0x00000000, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 inline constexpr IID IID_ISequentialStream{
     0x0C733A30, 0x2A1C, 0x11CE, {0xAD, 0xE5, 0x00, 0xAA, 0x00, 0x44, 0x77, 0x3D}};
 inline constexpr IID IID_IStream{0x0000000C, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
@@ -97,8 +96,8 @@ struct IStorage : IUnknown {
                                IStream** stream) = 0;
     virtual HRESULT CreateStorage(const WCHAR* name, DWORD mode, DWORD reserved1, DWORD reserved2,
                                   IStorage** storage) = 0;
-    virtual HRESULT OpenStorage(const WCHAR* name, IStorage* priority, DWORD mode,
-                                WCHAR** exclude, DWORD reserved, IStorage** storage) = 0;
+    virtual HRESULT OpenStorage(const WCHAR* name, IStorage* priority, DWORD mode, WCHAR** exclude,
+                                DWORD reserved, IStorage** storage) = 0;
     virtual HRESULT CopyTo(DWORD exclude_count, const IID* exclude, WCHAR** names,
                            IStorage* destination) = 0;
     virtual HRESULT MoveElementTo(const WCHAR* name, IStorage* destination, const WCHAR* new_name,

@@ -45,8 +45,8 @@ constexpr bool is_ordinary(PropertyId id) {
 
 inline constexpr std::size_t kMaxNameUnits = 260;
 
-// The limit of the common implementation on a whole stream: no stream is made to exceed it. One that
-// is larger already is still read and written up to the second limit.
+// The limit of the common implementation on a whole stream: no stream is made to exceed it. One
+// that is larger already is still read and written up to the second limit.
 inline constexpr std::size_t kMaxStreamSize = 1024 * 1024;
 inline constexpr std::size_t kMaxLargeStreamSize = 16 * kMaxStreamSize;
 

@@ -53,11 +53,14 @@ inline bytes::Bytes content_at(CompoundFile& file, std::u16string_view name) {
     return content(file, file.find(kRoot, name));
 }
 
-// What the checker says of the file on a medium, one sentence a line; empty for a sound file.
+// What the checker says of the file on a medium, its first sentences one a line; empty for a sound
+// file.
 inline std::string faults_of(const std::shared_ptr<Medium>& medium, bool strict = true) {
+    constexpr std::size_t kMost = 10;
+    const std::vector<std::string> faults = open_on(medium)->check(strict);
     std::string lines;
-    for (const std::string& sentence : open_on(medium)->check(strict)) {
-        lines += sentence + "\n";
+    for (std::size_t i = 0; i < std::min(kMost, faults.size()); ++i) {
+        lines += faults[i] + "\n";
     }
     return lines;
 }

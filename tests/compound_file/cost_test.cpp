@@ -62,7 +62,7 @@ TEST_F(Cost, ACopyTakesOneCallPerCommonRun) {
 }
 
 TEST_F(Cost, SmallAppendsTakeOneWriteEach) {
-    constexpr std::uint64_t kAppends = 200000;
+    constexpr std::uint64_t kAppends = 100000;
     const auto stream = file_->stream(file_->create_stream(kRoot, u"s"));
     const bytes::Bytes eight = pattern(8, 1);
     stream->write_at(0, pattern(5000, 1));

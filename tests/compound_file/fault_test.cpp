@@ -122,6 +122,38 @@ TEST(KilledProcess, GrowthOfTheFatListsIsSoundAtEveryWrite) {
     EXPECT_EQ(faults_of(replayed), "");
 }
 
+// Directory, mini FAT and mini stream grow into sectors that are full of old bytes.
+TEST(KilledProcess, GrowthOfDirectoryAndMiniStreamIsSoundAtEveryWrite) {
+    const auto medium = std::make_shared<Medium>();
+    medium->put(0, bytes::Bytes(300000, 0x02));
+    auto file = create_on(medium, Version::v3);
+    add_stream(*file, kRoot, u"kept large", pattern(kLargeSize, 2));
+    const EntryId storages[] = {file->create_storage(kRoot, u"storage"),
+                                file->create_storage(kRoot, u"another")};
+    add_stream(*file, kRoot, u"kept small", pattern(kSmallSize, 1)); // in the next sector
+    file->flush();
+    const auto replayed = std::make_shared<Medium>(*medium);
+    medium->records = true;
+    for (const EntryId storage : storages) {
+        for (const char16_t* name : {u"b", u"a", u"c"}) { // no entry has to move for another
+            add_stream(*file, storage, name, pattern(4000, 3));
+            file->flush();
+        }
+    }
+    for (const Medium::Write& write : medium->log) {
+        replayed->apply(write);
+        ASSERT_EQ(faults_of(replayed, false), "");
+        expect_kept(replayed);
+        const auto shown = open_on(replayed);
+        for (const EntryId storage : storages) {
+            for (const EntryId entry : shown->children(storage)) {
+                EXPECT_EQ(content(*shown, entry), pattern(4000, 3));
+            }
+        }
+    }
+    EXPECT_EQ(faults_of(replayed), "");
+}
+
 // The nth write fails: the call reports it, the file goes on where it was once the medium is well.
 TEST_P(Faults, AFailedWriteIsReportedAndCanBeMadeGood) {
     const Medium before = prepared(GetParam());
@@ -130,6 +162,10 @@ TEST_P(Faults, AFailedWriteIsReportedAndCanBeMadeGood) {
         SCOPED_TRACE("write " + std::to_string(failing) + " fails");
         const auto medium = std::make_shared<Medium>(before);
         auto file = open_on(medium, Access::read_write);
+        std::vector<std::shared_ptr<StreamNode>> held; // what a failure does to them must show
+        for (const char16_t* name : {u"grows", u"shrinks", u"sinks"}) {
+            held.push_back(file->stream(file->find(kRoot, name)));
+        }
         medium->writes_until_failure = failing;
         failed = false;
         for (const Change change : kChanges) {

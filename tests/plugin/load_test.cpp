@@ -6,8 +6,8 @@ namespace {
 
 using namespace ppt;
 using namespace presentation_builder;
-using presentation_builder::Page;
 using plugin_test::error_params;
+using presentation_builder::Page;
 using Paths = std::vector<std::string>;
 
 class LoadTest : public plugin_test::PluginTest {};
@@ -73,8 +73,8 @@ TEST_F(LoadTest, MediaNeedAPathOfInstanceZero) {
     deck.external_object(media(0x1010, other, u"C:\\m\\d.wav", 1));
     const auto first = deck.next_object_id();
     const auto second = deck.next_object_id();
-    deck.external_object(video_list(join({media(0x1005, first, u"C:\\m\\e.avi"),
-                                          media(0x1005, second, u"C:\\m\\f.avi")})));
+    deck.external_object(video_list(
+        join({media(0x1005, first, u"C:\\m\\e.avi"), media(0x1005, second, u"C:\\m\\f.avi")})));
     Page& slide = deck.add_slide();
     for (const auto object : {midi, film, clip, unnamed, other, first, second}) {
         slide.shape(Shape().object(object));
@@ -227,8 +227,8 @@ TEST_F(LoadTest, AVersionAboveTheCeilingIsRefusedAndNothingStaysLoaded) {
     const std::size_t before = log_lines().size();
     EXPECT_EQ(load(deck), status::kVersionAboveCeiling);
     EXPECT_EQ(error_params(), "3|1");
-    EXPECT_EQ(log_lines(before), (Paths{"Loading file " + path("deck.ppt"),
-                                        "File has been loaded, j_status=3000"}));
+    EXPECT_EQ(log_lines(before),
+              (Paths{"Loading file " + path("deck.ppt"), "File has been loaded, j_status=3000"}));
     EXPECT_EQ(state().presentation, nullptr);
     state().version_ceiling = ceiling;
 }

@@ -18,7 +18,9 @@
 
 namespace plugin_test {
 
-inline id64 id(std::uint32_t value) { return {{value, 0}}; }
+inline id64 id(std::uint32_t value) {
+    return {{value, 0}};
+}
 
 // The error parameters with '|' for the separator.
 inline std::string error_params() {
@@ -99,15 +101,16 @@ class PluginTest : public testing::Test {
     // The lines of the trace log from `first` on, without their CR LF.
     static std::vector<std::string> log_lines(std::size_t first = 0) {
         std::fflush(nullptr);
-        std::ifstream file(std::filesystem::read_symlink("/proc/self/exe").parent_path() / "PPT.log",
+        std::ifstream file(std::filesystem::read_symlink("/proc/self/exe").parent_path() /
+                               "PPT.log",
                            std::ios::binary);
         std::vector<std::string> lines;
         for (std::string line; std::getline(file, line);) {
             EXPECT_TRUE(line.ends_with('\r')) << line;
             lines.push_back(line.substr(0, line.size() - 1));
         }
-        lines.erase(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(
-                                                       std::min(first, lines.size())));
+        lines.erase(lines.begin(),
+                    lines.begin() + static_cast<std::ptrdiff_t>(std::min(first, lines.size())));
         return lines;
     }
 

@@ -11,9 +11,9 @@ namespace {
 
 using namespace ppt;
 using namespace presentation_builder;
-using presentation_builder::Page;
 using plugin_test::error_params;
 using plugin_test::StoredFile;
+using presentation_builder::Page;
 using Paths = std::vector<std::string>;
 
 constexpr std::uint32_t kDirectoryType = 0x1772;
@@ -21,7 +21,8 @@ constexpr std::uint32_t kDirectoryType = 0x1772;
 class RewriteTest : public plugin_test::PluginTest {
   protected:
     // Writes a copy with the link at `index` changed and reads it back.
-    void relink(std::int32_t index, const std::string& target, const std::string& name = "out.ppt") {
+    void relink(std::int32_t index, const std::string& target,
+                const std::string& name = "out.ppt") {
         ASSERT_EQ(j_setLinkFileName(index, target.c_str(), 0), 0);
         ASSERT_EQ(rewrite(name), 0) << error_params();
         ASSERT_EQ(load_again(name), 0) << error_params();
@@ -47,10 +48,13 @@ class RewriteTest : public plugin_test::PluginTest {
 TEST_F(RewriteTest, NameAndTargetOfAChangedHyperlinkBecomeTheNewPath) {
     Deck deck;
     const auto first = deck.hyperlink(u"C:\\unchanged.doc");
-    const auto named = deck.declare(
-        {.target = u"C:\\a.doc", .friendly = u"A", .location = u"Bookmark"});
+    const auto named =
+        deck.declare({.target = u"C:\\a.doc", .friendly = u"A", .location = u"Bookmark"});
     const auto bare = deck.declare({.target = std::nullopt});
-    deck.add_slide().shape(Shape().link(first)).shape(Shape().link(named)).shape(Shape().link(bare));
+    deck.add_slide()
+        .shape(Shape().link(first))
+        .shape(Shape().link(named))
+        .shape(Shape().link(bare));
     ASSERT_EQ(load(deck), 0);
     const Bytes old = deck.document_stream();
     ASSERT_EQ(j_setLinkFileName(2, "http://new.example/", 0), 0);
@@ -61,13 +65,14 @@ TEST_F(RewriteTest, NameAndTargetOfAChangedHyperlinkBecomeTheNewPath) {
     EXPECT_TRUE(structure_faults(copy.document(), 0).empty());
     const auto hyperlinks = children_of(copy.document(), list);
     const auto old_hyperlinks = children_of(old, find_record(old, 0, {{0x0409, 0}}));
-    EXPECT_TRUE(std::equal(old.begin() + static_cast<std::ptrdiff_t>(old_hyperlinks[1].offset),
-                           old.begin() + static_cast<std::ptrdiff_t>(old_hyperlinks[1].end()),
-                           copy.document().begin() +
-                               static_cast<std::ptrdiff_t>(hyperlinks[1].offset)))
+    EXPECT_TRUE(
+        std::equal(old.begin() + static_cast<std::ptrdiff_t>(old_hyperlinks[1].offset),
+                   old.begin() + static_cast<std::ptrdiff_t>(old_hyperlinks[1].end()),
+                   copy.document().begin() + static_cast<std::ptrdiff_t>(hyperlinks[1].offset)))
         << "an unchanged hyperlink keeps its bytes";
     const std::int64_t letters = 15;
-    EXPECT_EQ(hyperlinks[2].length - old_hyperlinks[2].length, 2 * (letters - 8) + 2 * (letters - 1));
+    EXPECT_EQ(hyperlinks[2].length - old_hyperlinks[2].length,
+              2 * (letters - 8) + 2 * (letters - 1));
     EXPECT_EQ(hyperlinks[3].length - old_hyperlinks[3].length, 8 + 2 * 19);
     const auto location = children_of(copy.document(), hyperlinks[2]).back();
     EXPECT_EQ(location.instance, 3);
@@ -82,11 +87,12 @@ TEST_F(RewriteTest, MediaKeepEverythingBesideTheirPath) {
     const auto film = deck.movie(0x1007, u"C:\\b.avi");
     const auto extra = deck.next_object_id();
     const Bytes third = atom(0, 0x0FAB, Bytes{1, 2, 3});
-    deck.external_object(container(0, 0x1010, {media_atom(extra), cstring(0, u"C:\\c.wav"), third}));
+    deck.external_object(
+        container(0, 0x1010, {media_atom(extra), cstring(0, u"C:\\c.wav"), third}));
     const auto one = deck.next_object_id();
     const auto two = deck.next_object_id();
-    deck.external_object(video_list(join({media(0x1005, one, u"C:\\d.avi"), third,
-                                          media(0x1005, two, u"C:\\e.avi")})));
+    deck.external_object(video_list(
+        join({media(0x1005, one, u"C:\\d.avi"), third, media(0x1005, two, u"C:\\e.avi")})));
     const auto last = deck.sound(0x1010, u"C:\\last.wav");
     Page& slide = deck.add_slide();
     for (const auto object : {midi, film, extra, one, last}) {
@@ -163,6 +169,11 @@ const Layout kLayouts[] = {
          deck.stream(u"Custom/Deep", Bytes(5000, 3));
          build_plain(deck);
      }},
+    {"DIFAT sectors",
+     [](Deck& deck) {
+         deck.pictures(8'000'000);
+         build_plain(deck);
+     }},
     {"version 4",
      [](Deck& deck) {
          deck.version(compound_file::Version::v4).pictures(10'000);
@@ -172,7 +183,8 @@ const Layout kLayouts[] = {
 
 TEST_F(RewriteTest, EveryLayoutSurvivesTwoRewritesWithItsOtherStreams) {
     for (const Layout& layout : kLayouts) {
-        for (const std::string target : {"C:\\t", "C:\\folder\\changed.doc", "D:\\far\\longer\\path.doc"}) {
+        for (const std::string target :
+             {"C:\\t", "C:\\folder\\changed.doc", "D:\\far\\longer\\path.doc"}) {
             SCOPED_TRACE(std::string(layout.name) + ", " + target);
             Deck deck;
             layout.build(deck);
@@ -199,6 +211,36 @@ TEST_F(RewriteTest, EveryLayoutSurvivesTwoRewritesWithItsOtherStreams) {
             const auto newest = record_at(copy.document(), edit_chain(copy)[0]);
             EXPECT_EQ(newest.end(), copy.document().size()) << "nothing stale behind the edit";
         }
+    }
+}
+
+// What `gsf`, an independent reader of compound files, finds in a stream.
+Bytes read_by_gsf(const std::string& file, const std::u16string& stream) {
+    std::string command =
+        "gsf cat '" + file + "' '" + std::string(stream.begin(), stream.end()) + "'";
+    Bytes data;
+    std::FILE* pipe = popen(command.c_str(), "r");
+    for (int byte = std::fgetc(pipe); byte != EOF; byte = std::fgetc(pipe)) {
+        data.push_back(static_cast<std::uint8_t>(byte));
+    }
+    pclose(pipe);
+    return data;
+}
+
+TEST_F(RewriteTest, AnIndependentReaderFindsEveryStreamAsWeDo) {
+    if (std::system("command -v gsf >/dev/null 2>&1") != 0) {
+        GTEST_SKIP() << "gsf is not installed";
+    }
+    Deck deck;
+    deck.pictures(20'000).stream(u"Custom/Deep", Bytes(5000, 3));
+    build_plain(deck);
+    ASSERT_EQ(load(deck), 0);
+    relink(0, "D:\\somewhere else\\altogether.doc");
+    j_unLoadFile();
+    const StoredFile copy(path("out.ppt"));
+    EXPECT_EQ(copy.streams().size(), 5u);
+    for (const auto& [name, data] : copy.streams()) {
+        EXPECT_EQ(read_by_gsf(path("out.ppt"), name), data);
     }
 }
 
@@ -301,8 +343,8 @@ TEST_F(RewriteTest, NothingBesideTheOldDirectoryAndEditIsOverwritten) {
         relink(0, "C:\\much longer than before.doc");
         EXPECT_EQ(link_paths(), Paths{"C:\\much longer than before.doc"});
         const StoredFile copy(path("out.ppt"));
-        const auto found = std::search(copy.document().begin(), copy.document().end(),
-                                       stray.begin(), stray.end());
+        const auto found =
+            std::search(copy.document().begin(), copy.document().end(), stray.begin(), stray.end());
         EXPECT_NE(found, copy.document().end());
         const std::uint32_t new_edit = edit_chain(copy)[0];
         EXPECT_EQ(found < copy.document().begin() + new_edit, true);

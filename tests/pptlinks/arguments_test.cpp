@@ -22,11 +22,19 @@ TEST(Arguments, AListing) {
     EXPECT_TRUE(list.json);
 }
 
+TEST(Arguments, ACheck) {
+    const auto check =
+        std::get<CheckArguments>(parse({"check", "a.ppt", "--json", "--drive", "Z:=/mnt/z"}));
+    EXPECT_EQ(check.files, std::vector<std::string>{"a.ppt"});
+    EXPECT_EQ(check.common.drives, std::vector<std::string>{"Z:=/mnt/z"});
+    EXPECT_TRUE(check.json);
+}
+
 TEST(Arguments, ARelinking) {
     const auto relink = std::get<RelinkArguments>(
         parse({"relink", "--set", "3=http://x/?a=b", "in.ppt", "--map", "C:\\a b=D:\\c", "-o",
                "out.ppt", "--set", "0=-x", "--set-id", "4=0", "--target-id", "9999999999999999999",
-               "--options", ""}));
+               "--options", "", "--trust-targets"}));
     EXPECT_EQ(relink.file, "in.ppt");
     EXPECT_EQ(relink.out, "out.ppt");
     ASSERT_EQ(relink.paths.size(), 2U);
@@ -39,7 +47,10 @@ TEST(Arguments, ARelinking) {
     EXPECT_EQ(relink.ids.at(0).value, "0");
     EXPECT_EQ(relink.target_id, "9999999999999999999");
     EXPECT_EQ(relink.common.options, "");
-    EXPECT_EQ(std::get<RelinkArguments>(parse({"relink", "a", "-o", "b"})).common.options, "t");
+    EXPECT_TRUE(relink.trust_targets);
+    const auto plain = std::get<RelinkArguments>(parse({"relink", "a", "-o", "b"}));
+    EXPECT_EQ(plain.common.options, "t");
+    EXPECT_FALSE(plain.trust_targets);
 }
 
 TEST(Arguments, WrongUsageIsExplainedAndEndsWithTwo) {
@@ -48,6 +59,9 @@ TEST(Arguments, WrongUsageIsExplainedAndEndsWithTwo) {
         {"lst", "a.ppt"},
         {"list"},
         {"list", "a.ppt", "--options", "hex"},
+        {"list", "a.ppt", "--trust-targets"},
+        {"check"},
+        {"check", "a.ppt", "-o", "b.ppt"},
         {"list", "a.ppt", "--code-page", "latin"},
         {"list", "a.ppt", "--code-page", "-1"},
         {"relink", "a.ppt"},
@@ -73,8 +87,11 @@ TEST(Arguments, WrongUsageIsExplainedAndEndsWithTwo) {
 }
 
 TEST(Arguments, HelpAndVersionAreNoFailure) {
-    for (const auto& arguments : std::vector<std::vector<const char*>>{
-             {"--help"}, {"list", "--help"}, {"relink", "--help"}, {"--version"}}) {
+    for (const auto& arguments : std::vector<std::vector<const char*>>{{"--help"},
+                                                                       {"list", "--help"},
+                                                                       {"check", "--help"},
+                                                                       {"relink", "--help"},
+                                                                       {"--version"}}) {
         const auto result = std::get<PrintAndExit>(parse(arguments));
         EXPECT_EQ(result.status, 0);
         EXPECT_FALSE(result.out.empty());

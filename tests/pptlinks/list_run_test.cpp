@@ -128,7 +128,17 @@ TEST_F(ListRun, WrongUsageAndHelp) {
     const RunResult help = run({"--help"});
     EXPECT_EQ(help.status, 0);
     EXPECT_NE(help.out.find("pptlinks relink talk.ppt -o"), std::string::npos);
-    const RunResult full = run({"list", "/dev/full"});
+    const RunResult device = run({"list", "/dev/full"});
+    EXPECT_EQ(device.status, 1);
+}
+
+TEST_F(ListRun, TheProgramItselfEndsWithItsStatus) {
+    write_deck("talk.ppt");
+    const RunResult listed = run_built("list talk.ppt missing.ppt");
+    EXPECT_EQ(listed.status, 1);
+    EXPECT_NE(listed.out.find("http://example.org/\u00E9"), std::string::npos) << listed.out;
+    EXPECT_NE(listed.out.find("missing.ppt: there is no such file"), std::string::npos);
+    const RunResult full = run_built("list talk.ppt >/dev/full");
     EXPECT_EQ(full.status, 1);
 }
 

@@ -1,6 +1,8 @@
-// Runs the built program on decks in a folder of the test's own.
+// Runs the program on decks in a folder of the test's own.
 #pragma once
 
+#include "pptlinks/program.h"
+#include "tests/pptlinks/code_page_guard.h"
 #include "tests/support/presentation_builder.h"
 
 #include <gtest/gtest.h>
@@ -11,7 +13,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <optional>
 #include <string>
 #include <sys/wait.h>
 #include <vector>
@@ -49,20 +50,31 @@ class ProgramRun : public testing::Test {
         return names;
     }
 
-    // In the test's folder, in the plain C locale. With a limit, files cannot grow beyond that many
-    // bytes, rounded down to 512.
-    RunResult run(const std::vector<std::string>& arguments,
-                  std::optional<std::size_t> size_limit = {}) const {
-        std::string command = "cd " + quoted(folder_.string()) + " && ";
-        if (size_limit) {
-            command += "trap '' XFSZ && ulimit -f " + std::to_string(*size_limit / 512) + " && ";
-        }
-        command += "LC_ALL=C " + quoted(PPTLINKS_PROGRAM);
+    // Within this process, in the test's folder and with the code page that a plain locale has.
+    RunResult run(const std::vector<std::string>& arguments) const {
+        const CodePageGuard code_page(CP_UTF8);
+        std::vector<const char*> argv{"pptlinks"};
         for (const std::string& argument : arguments) {
-            command += ' ' + quoted(argument);
+            argv.push_back(argument.c_str());
         }
-        const std::string errors = folder_.string() + ".err";
-        FILE* const pipe = popen((command + " 2>" + quoted(errors)).c_str(), "r");
+        const std::filesystem::path directory = std::filesystem::current_path();
+        std::filesystem::current_path(folder_);
+        testing::internal::CaptureStdout();
+        testing::internal::CaptureStderr();
+        RunResult result;
+        result.status = run_program(static_cast<int>(argv.size()), argv.data());
+        result.out = testing::internal::GetCapturedStdout();
+        result.error = testing::internal::GetCapturedStderr();
+        std::filesystem::current_path(directory);
+        return result;
+    }
+
+    // The built program, for what only a process of its own shows; `out` holds both its outputs.
+    // The arguments are words of a shell.
+    RunResult run_built(const std::string& arguments) const {
+        const std::string command = "cd '" + folder_.string() + "' && LC_ALL=C '" +
+                                    PPTLINKS_PROGRAM + "' " + arguments + " 2>&1";
+        FILE* const pipe = popen(command.c_str(), "r");
         RunResult result;
         char buffer[4096];
         while (const std::size_t count = std::fread(buffer, 1, sizeof buffer, pipe)) {
@@ -70,20 +82,10 @@ class ProgramRun : public testing::Test {
         }
         const int ended = pclose(pipe);
         result.status = WIFEXITED(ended) ? WEXITSTATUS(ended) : -1;
-        result.error = content(errors);
-        std::filesystem::remove(errors);
         return result;
     }
 
   private:
-    static std::string quoted(const std::string& text) {
-        std::string out = "'";
-        for (const char c : text) {
-            out += c == '\'' ? std::string("'\\''") : std::string(1, c);
-        }
-        return out + "'";
-    }
-
     std::filesystem::path folder_;
 };
 

@@ -1,8 +1,12 @@
 // `pptlinks relink` as a user runs it: OUT is whole or not there, and the report says what changed.
 #include "tests/pptlinks/program_run.h"
+#include "tests/support/ole_storage.h"
 
 #include <nlohmann/json.hpp>
 
+#include <csignal>
+#include <sstream>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 namespace pptlinks {
@@ -137,13 +141,88 @@ TEST_F(RelinkRun, WhatCannotBeMeantIsWrongUsage) {
     expect_nothing_written(run({"relink", "in.ppt"}), 2, "output");
 }
 
-TEST_F(RelinkRun, WhatStandsOnThePagesIsRefused) {
-    expect_nothing_written(relink({"--set", "4=C:\\x.wmf"}), 1, "link 4 is a linked picture");
-    expect_nothing_written(relink({"--map", "C:=D:"}), 1, "linked picture");
-    expect_nothing_written(relink({"--set", "3=http://x/", "--options", "het"}), 1,
-                           "link 3 is a hyperlink in text");
-    // The same path in other letters changes nothing, so there is nothing to refuse.
-    EXPECT_EQ(relink({"--set", "4=c:\\PICTURES\\map.wmf"}).status, 0);
+TEST_F(RelinkRun, PicturesAndDisplayedTextsChangeToo) {
+    const RunResult result =
+        relink({"--map", "C:=D:", "--set", "3=http://example.org/new/", "--options", "h"});
+    EXPECT_EQ(result.status, 0) << result.error;
+    EXPECT_EQ(result.out, "0: C:\\old\\a.doc -> D:\\old\\a.doc\n"
+                          "1: C:\\old\\film.avi -> D:\\old\\film.avi\n"
+                          "2: C:\\old\\a.doc -> D:\\old\\a.doc\n"
+                          "3: http://example.org/ -> http://example.org/new/\n"
+                          "4: C:\\pictures\\map.wmf -> D:\\pictures\\map.wmf\n"
+                          "out.ppt: 5 of 5 links changed\n");
+    const Json copy = listing("out.ppt");
+    EXPECT_EQ(copy["links"][3]["text"], "http://example.org/new/");
+    EXPECT_EQ(copy["links"][4]["path"], "D:\\pictures\\map.wmf");
+
+    // Without these letters the words stay.
+    ASSERT_EQ(relink({"--set", "3=http://example.org/new/"}, "words.ppt").status, 0);
+    EXPECT_EQ(listing("words.ppt")["links"][3]["text"], "here");
+}
+
+// Link 0 is a picture whose name is not whole, 1 a hyperlink on a text whose runs are not
+// understood, 2 and 3 are one linked object, 4 is an ordinary hyperlink.
+TEST_F(RelinkRun, WhatCannotBeWrittenIsNamedAndTheRestIsWritten) {
+    Deck deck;
+    const std::uint32_t shown = deck.hyperlink(u"C:\\old\\a.doc");
+    const std::uint32_t plain = deck.hyperlink(u"C:\\old\\b.doc");
+    const std::uint32_t book = deck.ole_link(storage_record(
+        ole_storage({{kOleStreamName, ole_stream({{}, file_moniker({"C:\\old\\book.xls"})})}}),
+        true));
+    ArtProperty name = text_property(art_property::kPictureName, u"C:\\old\\map.wmf");
+    name.value += 40;
+    const TextRun whole[] = {{10}};
+    const TextRun promises_more[] = {{10, 0x20, {}}}; // four bytes that are not there
+    deck.add_slide()
+        .shape(Shape(kPictureFrame).options({{art_property::kPicture, 1}, name}))
+        .shape(Shape().text(
+            Text(u"a red one").style(text_style(promises_more, whole)).link(shown, 2, 5)))
+        .shape(Shape().object(book));
+    deck.add_slide().shape(Shape().object(book)).shape(Shape().link(plain));
+    deck.write(path("mixed.ppt"));
+    const std::vector<std::string> arguments{"relink", "mixed.ppt", "-o",        "out.ppt",
+                                             "--map",  "C:=Y:",     "--options", "h"};
+    const RunResult result = run(arguments);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out, "1: C:\\old\\a.doc -> Y:\\old\\a.doc\n"
+                          "4: C:\\old\\b.doc -> Y:\\old\\b.doc\n"
+                          "out.ppt: 2 of 5 links changed, 3 unchanged (could not be written), "
+                          "1 displayed text unchanged (could not be written)\n");
+    const std::pair<const char*, const char*> complaints[] = {
+        {"link 0 (picture C:\\old\\map.wmf) keeps its path", "anew"},
+        {"link 1 (hyperlink C:\\old\\a.doc) leads to its new path", "by hand"},
+        {"link 2 (ole C:\\old\\book.xls) keeps its path", "--trust-targets"},
+        {"link 3 (ole C:\\old\\book.xls) keeps its path", "--trust-targets"}};
+    std::istringstream lines(result.error);
+    for (const auto& [problem, remedy] : complaints) {
+        std::string line;
+        ASSERT_TRUE(std::getline(lines, line));
+        EXPECT_TRUE(line.starts_with(std::string("pptlinks: out.ppt: ") + problem)) << line;
+        EXPECT_NE(line.find(remedy), std::string::npos) << line;
+    }
+    EXPECT_EQ(listed_paths("out.ppt"),
+              (Paths{"C:\\old\\map.wmf", "Y:\\old\\a.doc", "C:\\old\\book.xls", "C:\\old\\book.xls",
+                     "Y:\\old\\b.doc"}));
+
+    // The word of the user is enough, in that run only.
+    EXPECT_EQ(
+        run({"relink", "mixed.ppt", "-o", "out.ppt", "--set", "3=Y:\\b.xls", "--trust-targets"})
+            .status,
+        0);
+    EXPECT_EQ(listed_paths("out.ppt")[2], "Y:\\b.xls");
+    EXPECT_EQ(run({"relink", "mixed.ppt", "-o", "out.ppt", "--set", "3=Y:\\b.xls"}).status, 1);
+}
+
+// Ids that stand on the pages move to where all ids are kept.
+TEST_F(RelinkRun, IdsOfOldPresentationsAreKept) {
+    Deck deck;
+    const std::uint32_t doc = deck.hyperlink(u"C:\\old\\a.doc");
+    deck.add_slide().shape(Shape().link(doc)).tag(u"OBRIN-LINK-NUM=1", u"31");
+    deck.write(path("tagged.ppt"));
+    const std::string before = listing("tagged.ppt")["links"][0].dump();
+    ASSERT_NE(before.find("\"id\":\"31\""), std::string::npos) << before;
+    ASSERT_EQ(run({"relink", "tagged.ppt", "-o", "out.ppt", "--set", "0=D:\\b"}).status, 0);
+    EXPECT_EQ(listing("out.ppt")["links"][0]["id"], "31");
 }
 
 TEST_F(RelinkRun, AFailureLeavesNothingBehind) {
@@ -164,18 +243,40 @@ TEST_F(RelinkRun, AFailureLeavesNothingBehind) {
                            "missing.ppt: there");
 }
 
+// For its lifetime no file grows beyond the size.
+class SizeLimit {
+  public:
+    explicit SizeLimit(std::size_t bytes) {
+        std::signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &before_);
+        const rlimit limit{bytes, before_.rlim_max};
+        EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
+    }
+    SizeLimit(const SizeLimit&) = delete;
+    SizeLimit& operator=(const SizeLimit&) = delete;
+    ~SizeLimit() {
+        setrlimit(RLIMIT_FSIZE, &before_);
+        std::signal(SIGXFSZ, SIG_DFL);
+    }
+
+  private:
+    rlimit before_{};
+};
+
 // The copy has room for the presentation as it is and not for the longer path.
 TEST_F(RelinkRun, ARewriteThatFailsHalfWayLeavesTheOldFile) {
     std::ofstream(path("out.ppt")) << "the old file";
-    const std::vector<std::string> arguments{"relink",  "in.ppt", "-o",
-                                             "out.ppt", "--set",  "0=" + std::string(1000, 'x')};
-    const RunResult result = run(arguments, before_.size());
-    EXPECT_EQ(result.status, 1);
-    EXPECT_TRUE(result.error.starts_with("pptlinks: ")) << result.error;
-    EXPECT_EQ(result.out, "");
+    const std::vector<std::string> wishes{"--set", "0=" + std::string(1000, 'x')};
+    {
+        const SizeLimit limit(before_.size());
+        const RunResult result = relink(wishes);
+        EXPECT_EQ(result.status, 1);
+        EXPECT_TRUE(result.error.starts_with("pptlinks: ")) << result.error;
+        EXPECT_EQ(result.out, "");
+    }
     EXPECT_EQ(content(path("out.ppt")), "the old file");
     EXPECT_EQ(names_in_folder(), (Paths{"in.ppt", "out.ppt"}));
-    EXPECT_EQ(run(arguments).status, 0);
+    EXPECT_EQ(relink(wishes).status, 0);
 }
 
 } // namespace

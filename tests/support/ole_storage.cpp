@@ -153,8 +153,8 @@ Streams linked_object(const OleStream& stream) {
 
 Bytes ole_storage(const Streams& streams) {
     const auto image = std::make_shared<Bytes>();
-    const auto file = CompoundFile::create(std::make_unique<MemoryBacking>(image),
-                                           compound_file::Version::v3);
+    const auto file =
+        CompoundFile::create(std::make_unique<MemoryBacking>(image), compound_file::Version::v3);
     const Bytes link_class = moniker_class(0);
     std::array<std::uint8_t, 16> class_id{};
     std::copy(link_class.begin(), link_class.end(), class_id.begin());
@@ -203,10 +203,9 @@ Bytes storage_record(View image, bool compressed) {
 }
 
 Bytes storage_record_claiming(View image, std::uint32_t size) {
-    Bytes body;
-    bytes::append_u32(body, size);
     uLongf packed = compressBound(static_cast<uLong>(image.size()));
-    body.resize(4 + packed);
+    Bytes body(4 + packed);
+    bytes::store_u32(body, 0, size);
     if (compress(body.data() + 4, &packed, image.data(), static_cast<uLong>(image.size())) !=
         Z_OK) {
         throw std::runtime_error("compress");

@@ -35,7 +35,6 @@ inline constexpr std::uint16_t kExternalHyperlink = 0x0FD7;
 inline constexpr std::uint16_t kTextInteractiveInfoAtom = 0x0FDF;
 inline constexpr std::uint16_t kExternalVideoList = 0x0FEA;
 inline constexpr std::uint16_t kExternalOleControl = 0x0FEE;
-inline constexpr std::uint16_t kExternalOleControlAtom = 0x0FFB;
 inline constexpr std::uint16_t kSlideListWithText = 0x0FF0;
 inline constexpr std::uint16_t kInteractiveInfo = 0x0FF2;
 inline constexpr std::uint16_t kInteractiveInfoAtom = 0x0FF3;

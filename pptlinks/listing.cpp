@@ -1,0 +1,34 @@
+#include "pptlinks/listing.h"
+
+#include "pptlinks/file_names.h"
+#include "pptlinks/messages.h"
+#include "pptlinks/output.h"
+
+namespace pptlinks {
+
+Listing read_listing(const std::string& file, const std::string& name, bool looks_up_targets) {
+    try {
+        Listing listing;
+        listing.file = file;
+        const std::string path = file_name(name).ansi;
+        const LoadedPresentation presentation(path);
+        listing.target_file_id = presentation.target_file_id();
+        listing.links = presentation.links();
+        if (looks_up_targets) {
+            listing.targets = look_up_targets(listing.links, path);
+        }
+        return listing;
+    } catch (const StatusFailure& failure) {
+        complain(sentence(failure, {file, {}}));
+        Listing failed;
+        failed.file = file;
+        failed.status = failure.status;
+        return failed;
+    }
+}
+
+std::string counted(std::size_t count, const std::string& noun) {
+    return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
+}
+
+} // namespace pptlinks
