@@ -99,11 +99,11 @@ void compare(const DeckSize& size, const std::string& pptlinks, const std::strin
     const Measured list = measure({pptlinks, "list", deck}, {});
     const Measured cp = measure({"cp", deck, out}, out);
     // One map for each kind of target that the decks hold, so every link changes.
-    const Measured relink =
-        measure({pptlinks, "relink", deck, "-o", out, "--map", "\\\\fileserver\\projects=\\\\new\\p",
-                 "--map", "C:\\Documents=D:\\Archive\\Documents", "--map", "..=E:\\decks", "--map",
-                 "http:=https:"},
-                out);
+    const Measured relink = measure({pptlinks, "relink", deck, "-o", out, "--map",
+                                     "\\\\fileserver\\projects=\\\\new\\p", "--map",
+                                     "C:\\Documents=D:\\Archive\\Documents", "--map",
+                                     "..=E:\\decks", "--map", "http:=https:"},
+                                    out);
     const double megabytes = static_cast<double>(std::filesystem::file_size(deck)) / 1e6;
     std::printf("%6d %6d %6.1f | %7.1f %7.1f %6.2f %7.2f %5.1f | %7.1f %7.1f %6.2f %7.2f %5.1f\n",
                 size.slides, size.links, megabytes, cat.milliseconds, list.milliseconds,

@@ -71,7 +71,7 @@ std::string ClientText::displayed_text(LinkRecord& link) const {
     end = std::min(end, start + kLongestText);
     std::string text = ansi(start, end);
     while (text.size() > kLongestText) {
-        end -= std::max<std::size_t>(1, (text.size() - kLongestText) / 4);
+        end -= std::max<std::size_t>(1, (text.size() - kLongestText) / 3);
         text = ansi(start, end);
     }
     if (end > start && end < units_.size() && is_low_surrogate(units_[end])) {

@@ -23,8 +23,8 @@ namespace {
 constexpr std::uint16_t kSlideInstance = static_cast<std::uint16_t>(PageKind::slide);
 constexpr std::uint16_t kNotesInstance = static_cast<std::uint16_t>(PageKind::notes);
 
-// Pages do not overlap, so walking them all is one pass over the stream. Room is left for ids without
-// an object, which lead to what stands at offset 0.
+// Pages do not overlap, so walking them all is one pass over the stream. Room is left for ids
+// without an object, which lead to what stands at offset 0.
 constexpr std::uint64_t kMostPasses = 16;
 
 class DocumentWalk {
@@ -60,7 +60,7 @@ class DocumentWalk {
     std::int32_t running_index_ = -1;
     std::array<std::int32_t, 3> pages_of_kind_{};
     bool first_slide_walked_ = false;
-    std::uint64_t page_bytes_ = 0; // of all pages walked
+    std::uint64_t page_bytes_ = 0;  // of all pages walked
     std::uint32_t shape_count_ = 0; // that the drawing of the current page claims
     std::vector<PageTags> tags_;
 };

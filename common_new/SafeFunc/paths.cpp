@@ -160,7 +160,8 @@ void v_resolveLinkPath(const char* link_path, const char* master, std::string* o
     const PathParts parts = split_path(master);
     std::string combined(parts.drive);
     if (!link.starts_with('\\')) {
-        const std::string_view directory = whole_characters(parts.directory, kSmallDirectoryCapacity - 1);
+        const std::string_view directory =
+            whole_characters(parts.directory, kSmallDirectoryCapacity - 1);
         require(n_makePath(&combined, kPathCapacity, parts.drive, directory, {}, {}) == 0,
                 status::kSystemError);
     }

@@ -31,9 +31,8 @@ Errc write_error(int error) {
     switch (error) {
     case ENOSPC:
     case EDQUOT:
+    case EFBIG: // the process or the file system takes no larger file
         return Errc::medium_full;
-    case EFBIG:
-        return Errc::too_large;
     default:
         return Errc::write_fault;
     }

@@ -158,6 +158,10 @@ TEST(ResolveLinkPath, StartsAtTheMasterAndUsesTheUncName) {
 TEST(ResolveLinkPath, CountsOnlyTheFirst255CharactersOfTheMastersFolder) {
     const std::string folder = "\\" + std::string(300, 'd');
     EXPECT_EQ(resolve("a", "C:" + folder + "\\talk.ppt"), "C:" + folder.substr(0, 255) + "\\a");
+    const CodePage shift_jis(932);
+    const std::string kana = "\\" + std::string(253, 'd') + "\x83\x5C";
+    EXPECT_EQ(resolve("a", "C:" + kana + "\\talk.ppt"), "C:" + kana.substr(0, 254) + "\\a")
+        << "no half character";
 }
 
 TEST(ResolveLinkPath, TheCombinedPathHasAtMost1023Characters) {

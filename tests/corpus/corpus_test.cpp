@@ -1,6 +1,6 @@
 // Presentations by many versions of the application and by other programs: what is in them is
-// listed, and rewriting them changes what was asked and nothing else. The files are looked for where
-// PPT_CORPUS says or beside the project; without them the tests are skipped and say so.
+// listed, and rewriting them changes what was asked and nothing else. The files are looked for
+// where PPT_CORPUS says or beside the project; without them the tests are skipped and say so.
 #include "plugin/link_table.h"
 #include "reader/presentation.h"
 #include "tests/plugin/plugin_fixture.h"
@@ -50,7 +50,8 @@ class CorpusTest : public plugin_test::PluginTest {
         ASSERT_EQ(j_loadFile(file.string().c_str(), 3), 0) << file << ": " << error_params();
     }
 
-    // Changes every link, and every use of an object alike. Returns the paths that the copy must list.
+    // Changes every link, and every use of an object alike. Returns the paths that the copy must
+    // list.
     Paths change_all(std::string (*change)(const std::string& path)) {
         std::map<std::int32_t, std::string> by_object;
         Paths expected;
@@ -69,7 +70,8 @@ class CorpusTest : public plugin_test::PluginTest {
 
     // Everything that is not part of the change keeps its bytes: all other streams, and all objects
     // but the document container and the pages whose links changed.
-    void expect_rest_unchanged(const fs::path& before, const std::string& after, bool links_changed) {
+    void expect_rest_unchanged(const fs::path& before, const std::string& after,
+                               bool links_changed) {
         const StoredFile original(before.string());
         const StoredFile copy(path(after));
         for (const auto& [name, data] : original.streams()) {
@@ -101,8 +103,8 @@ class CorpusTest : public plugin_test::PluginTest {
     }
 
     void expect_objects_unchanged(const fs::path& before, const StoredFile& original,
-                                         const StoredFile& copy, const std::string& after,
-                                         bool links_changed) {
+                                  const StoredFile& copy, const std::string& after,
+                                  bool links_changed) {
         const Objects old_objects = objects_of(before.string());
         const Objects new_objects = objects_of(after);
         EXPECT_EQ(old_objects.document, new_objects.document);
@@ -163,7 +165,8 @@ TEST_F(CorpusTest, ARewriteWithoutChangesKeepsEverything) {
         EXPECT_EQ(link_paths(), before);
         ASSERT_EQ(rewrite("twice.ppt"), 0) << error_params();
         expect_rest_unchanged(file, "twice.ppt", false);
-        EXPECT_EQ(StoredFile(path("twice.ppt")).document(), StoredFile(path("once.ppt")).document());
+        EXPECT_EQ(StoredFile(path("twice.ppt")).document(),
+                  StoredFile(path("once.ppt")).document());
     }
 }
 
@@ -199,16 +202,18 @@ TEST_F(CorpusTest, EveryPathCanBecomeShorterEqualOrLonger) {
 }
 
 TEST_F(CorpusTest, DamagedFilesEndInTheirStatus) {
-    const std::map<std::string, std::int32_t> others = {
-        {"user-edit-ring.ppt", 8140}, {"fuzzed-3.ppt", 8140}, {"fuzzed-5.ppt", 8140},
-        {"fuzzed-6.ppt", 7295}};
+    const std::map<std::string, std::int32_t> others = {{"user-edit-ring.ppt", 8140},
+                                                        {"fuzzed-3.ppt", 8140},
+                                                        {"fuzzed-5.ppt", 8140},
+                                                        {"fuzzed-6.ppt", 7295}};
     const std::vector<fs::path> files = files_in("damaged");
     if (files.empty()) {
         GTEST_SKIP() << "no corpus of damaged presentations was found";
     }
     for (const fs::path& file : files) {
         const auto other = others.find(file.filename().string());
-        EXPECT_EQ(j_loadFile(file.string().c_str(), 3), other == others.end() ? 6400 : other->second)
+        EXPECT_EQ(j_loadFile(file.string().c_str(), 3),
+                  other == others.end() ? 6400 : other->second)
             << file;
         EXPECT_EQ(n_getLinkCount(), 0) << file;
     }

@@ -27,7 +27,12 @@ class ListedDeck {
     }
 
     void write(const std::string& path) {
-        deck.properties(PropertyStream().blob(u"_PID_HLINKS", hyperlink_list(listed_)).build());
+        // Readers cut a property that is larger than its section less the section's offset, so
+        // there is another one in front of it, as in files of the application.
+        deck.properties(PropertyStream()
+                            .text(u"_PID_GUID", u"{0F5D3A1C-2B4E-4C6D-8E9F-A0B1C2D3E4F5}")
+                            .blob(u"_PID_HLINKS", hyperlink_list(listed_))
+                            .build());
         deck.write(path);
     }
 
@@ -78,9 +83,11 @@ void write_older_ids(const std::string& path) {
         return made.deck.add_slide().shape(
             Shape().text(linked_words(made, u"http://www.example.org/" + name)));
     };
-    page(u"one").tag(u"OBRIN-LINK-NUM=1", u"1001").tag(u"NUMBER", u"7");
+    page(u"one")
+        .name(u"Prices MORVANE-LINK-ID=1004")
+        .tag(u"OBRIN-LINK-NUM=1", u"1001")
+        .tag(u"NUMBER", u"7");
     page(u"two").tag(u"OBRIN-LINK-NUM=1", u"1002").tag(u"OBRIN-LINK-NUM=2", u"1003");
-    page(u"three").name(u"Prices MORVANE-LINK-ID=1004");
     made.write(path);
 }
 
@@ -101,7 +108,7 @@ void write_pictures(const std::string& path) {
                    .text(Text(u"filled")))
         .shape(Shape()
                    .options({text_property(art_property::kLineBlipName, u"C:\\Lines\\dots.png"),
-                             {art_property::kLineBlipFlags, kLinkedNotSaved}})
+                             {art_property::kLineBlipFlags, 1}})
                    .text(Text(u"framed")))
         .shape(Shape::group({picture(u"\\\\server\\share\\logo.png")}));
     deck.write(path);

@@ -94,6 +94,59 @@ TEST_F(LinkPropertiesTest, AnIdCanBeExchangedOrTakenAway) {
     EXPECT_EQ(link_ids(), (std::vector<std::uint32_t>{900, 0, 103}));
 }
 
+TEST_F(LinkPropertiesTest, UsesOfOneLinkShareItsProperty) {
+    Deck deck;
+    const auto shared = deck.hyperlink(u"C:\\a");
+    const auto other = deck.hyperlink(u"C:\\b");
+    deck.add_slide()
+        .shape(Shape().link(shared))
+        .shape(Shape().link(shared))
+        .shape(Shape().link(other));
+    ASSERT_EQ(load(deck), 0);
+    struct Step {
+        std::uint32_t given[3];
+        std::vector<std::uint32_t> found;
+    };
+    // One path has one id: that of its last use, unless that use gave its id up.
+    const Step steps[] = {{{1, 1, 2}, {1, 1, 2}},
+                          {{2, 2, 1}, {2, 2, 1}},
+                          {{0, 3, 4}, {3, 3, 4}},
+                          {{0, 0, 5}, {0, 0, 5}},
+                          {{6, 6, 0}, {6, 6, 0}}};
+    for (const Step& step : steps) {
+        for (std::int32_t i = 0; i < 3; ++i) {
+            const id64 given = id(step.given[i]);
+            ASSERT_EQ(j_setLinkId(i, 0, &given), 0);
+        }
+        ASSERT_EQ(rewrite("out.ppt"), 0);
+        std::filesystem::rename(path("out.ppt"), path("next.ppt"));
+        ASSERT_EQ(load_again("next.ppt"), 0);
+        EXPECT_EQ(link_ids(), step.found);
+    }
+}
+
+TEST_F(LinkPropertiesTest, RecordsAndHyperlinkListChangeTogetherOrNotAtAll) {
+    const ListedHyperlink listed[] = {{u"C:\\old.doc"}};
+    Deck deck;
+    deck.add_slide().shape(Shape().link(deck.hyperlink(u"C:\\old.doc")));
+    deck.properties(PropertyStream()
+                        .blob(u"_PID_HLINKS", presentation_builder::hyperlink_list(listed))
+                        .build());
+    for (const std::int32_t flags : {2, 3}) {
+        ASSERT_EQ(load(deck), 0);
+        ASSERT_EQ(j_setLinkFileName(0, "C:\\new.doc", 0), 0);
+        ASSERT_EQ(rewrite("out.ppt", flags), 0);
+        const StoredFile copy(path("out.ppt"));
+        const HyperlinkList list = stored_list(
+            copy.stream(std::u16string(presentation_builder::kDocumentSummaryInformation)));
+        ASSERT_EQ(list.entries.size(), 1u);
+        EXPECT_EQ(list.entries[0].target(), flags == 3 ? u"C:\\new.doc" : u"C:\\old.doc");
+        ASSERT_EQ(load_again("out.ppt"), 0);
+        EXPECT_EQ(link_path(0), flags == 3 ? "C:\\new.doc" : "C:\\old.doc");
+        j_unLoadFile();
+    }
+}
+
 TEST_F(LinkPropertiesTest, IdsOfTargetsBelowThePresentationsOwnFolderAreFoundAgain) {
     const std::u16string folder = [this] {
         const std::string native = folder_.string();
@@ -225,6 +278,8 @@ TEST(LinkPropertyNameTest, CarriesIdAndSuffixAsFarAsThereIsRoom) {
     EXPECT_EQ(link_property_name(record), "MORVANE-LINK-ID=5!Sheet1!A1%%");
     record.file_name = "C:\\[book.xls]Sheet1";
     EXPECT_EQ(link_property_name(record), "MORVANE-LINK-ID=5Sheet1%%");
+    record.file_name = "C:\\[1]2.doc";
+    EXPECT_EQ(link_property_name(record), "MORVANE-LINK-ID=5]2.doc%%") << "no digit behind the id";
     const std::size_t room = 259 - 17;
     record.file_name = std::string(room, '!');
     EXPECT_EQ(link_property_name(record).size(), 259u) << "no room for the end mark";

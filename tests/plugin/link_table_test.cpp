@@ -3,6 +3,7 @@
 
 #include "plugin/link_table.h"
 #include "plugin/status.h"
+#include "plugin/trace_log.h"
 
 namespace {
 
@@ -166,6 +167,14 @@ TEST_F(LinkTableTest, StartingAgainKeepsTheHighestCeilingAndCutsLongOptions) {
     EXPECT_EQ(state().options.size(), 259u);
     j_termDLL(0, 0);
     EXPECT_EQ(state().options, "");
+}
+
+TEST(LogPathTest, StandsBesideTheExecutableUnlessItIsTooLong) {
+    EXPECT_EQ(log_path_for("C:\\Apps\\Host\\host.exe"), "C:\\Apps\\Host\\PPT.log");
+    EXPECT_EQ(log_path_for("host"), "host\\PPT.log");
+    const std::string folder(251, 'f');
+    EXPECT_EQ(log_path_for(folder + "\\host.exe"), folder + "\\PPT.log");
+    EXPECT_EQ(log_path_for(folder + "f\\host.exe"), "");
 }
 
 TEST_F(LinkTableTest, StandardExtensionsEndWithTheEmptyString) {

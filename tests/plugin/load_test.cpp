@@ -1,5 +1,6 @@
 // Loading: what the walk finds, in which order, and how damaged presentations end.
 #include "plugin/status.h"
+#include "reader/presentation.h"
 #include "tests/plugin/plugin_fixture.h"
 
 namespace {
@@ -317,6 +318,28 @@ TEST_F(LoadTest, DamagedPresentationsEndInAStatusAndLeaveNothingLoaded) {
         EXPECT_EQ(n_getLinkCount(), 0) << damage.name;
         EXPECT_EQ(state().presentation, nullptr) << damage.name;
     }
+}
+
+TEST_F(LoadTest, OffsetsThatADirectoryEntryOnlyAnnouncesAreIgnored) {
+    Deck deck;
+    deck.add_slide().shape(Shape().link(deck.hyperlink(u"C:\\a.doc")));
+    const std::uint32_t entry = deck.offset_of_persist_directory(0) + 8;
+    ASSERT_EQ(bytes::load_u32(deck.document_stream(), entry), (2u << 20) + 1);
+    deck.replace_document_stream(patched(deck, entry, (4095u << 20) + 1));
+    ASSERT_EQ(load(deck), 0);
+    EXPECT_EQ(link_paths(), Paths{"C:\\a.doc"});
+    EXPECT_EQ(state().presentation->persist_directory().count(), 2);
+}
+
+TEST_F(LoadTest, OnePageListedAgainAndAgainIsNotWalkedForEver) {
+    Deck deck;
+    auto& slide = deck.add_slide().record(Bytes(8000, 0));
+    Bytes list;
+    for (int i = 0; i < 1000; ++i) {
+        bytes::append(list, slide_persist_atom({slide.persist_id(), 256, 0}));
+    }
+    deck.list_record(presentation_builder::PageKind::slide, list);
+    EXPECT_EQ(load(deck), status::kDamaged);
 }
 
 TEST_F(LoadTest, MalformedMediaAndDrawingsEndTheWalk) {

@@ -14,6 +14,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 namespace plugin_test {
@@ -37,7 +38,8 @@ class PluginTest : public testing::Test {
     void SetUp() override {
         const auto* info = testing::UnitTest::GetInstance()->current_test_info();
         folder_ = std::filesystem::temp_directory_path() /
-                  (std::string("ppt-") + info->test_suite_name() + "-" + info->name());
+                  (std::string("ppt-") + info->test_suite_name() + "-" + info->name() + "-" +
+                   std::to_string(getpid()));
         std::filesystem::remove_all(folder_);
         std::filesystem::create_directories(folder_);
         start("het");

@@ -275,6 +275,76 @@ TEST_F(RewriteTest, IdsThatShareAnObjectMoveTogether) {
     EXPECT_NE(moved.n_objectOffset(9), shared);
 }
 
+TEST_F(RewriteTest, TheDocumentIsFoundBehindALowerIdThatSharesItsPlace) {
+    Deck deck;
+    deck.loose_bytes(Bytes(16, 0xAB));
+    deck.add_slide().shape(Shape().link(deck.hyperlink(u"C:\\a.doc")));
+    Deck twin = deck;
+    twin.directory_entry({.id = 9, .offset = deck.offset_of_document()});
+    Bytes stream = twin.document_stream();
+    bytes::store_u32(stream, twin.offset_of_user_edit(0) + 8 + 16, 9); // the document's id
+    twin.replace_document_stream(stream);
+    ASSERT_EQ(load(twin), 0);
+    relink(0, "C:\\longer.doc");
+    EXPECT_EQ(link_paths(), Paths{"C:\\longer.doc"});
+}
+
+TEST_F(RewriteTest, TheContainerThatWasReadIsRewrittenAtOffsetZeroToo) {
+    Deck deck;
+    deck.add_slide().shape(Shape().link(deck.hyperlink(u"C:\\a.doc")));
+    deck.save();
+    deck.touch_document().save();
+    const std::uint32_t entry = 12; // of the document, behind the header and the head word
+    Bytes stream = deck.document_stream();
+    bytes::store_u32(stream, deck.offset_of_persist_directory(1) + entry, 0);
+    bytes::store_u32(stream, deck.offset_of_persist_directory(0) + entry,
+                     deck.offset_of_document());
+    deck.replace_document_stream(stream);
+    ASSERT_EQ(load(deck), 0);
+    relink(0, "C:\\longer.doc");
+    EXPECT_EQ(link_paths(), Paths{"C:\\longer.doc"});
+    EXPECT_EQ(state().presentation->persist_directory().n_objectOffset(1), 0u);
+}
+
+TEST_F(RewriteTest, OnlyTheKnownPartOfAnOlderUserEditIsReadAndWritten) {
+    Deck deck;
+    deck.add_slide().shape(Shape().link(deck.hyperlink(u"C:\\a.doc")));
+    deck.save();
+    deck.touch_document().save();
+    Bytes stream = deck.document_stream();
+    bytes::store_u32(stream, deck.offset_of_user_edit(0) + 4, 0x7FFFFFFF); // its length
+    deck.replace_document_stream(stream);
+    ASSERT_EQ(load(deck), 0);
+    relink(0, "C:\\longer.doc");
+    EXPECT_EQ(link_paths(), Paths{"C:\\longer.doc"});
+    EXPECT_EQ(state().presentation->user_edits().size(), 2u);
+}
+
+TEST_F(RewriteTest, ContainersInThePlaceOfStringsAreNeverTakenForText) {
+    const Bytes inner = atom(0, 0x0FAB, Bytes(30, 5));
+    const Bytes odd = atom(1, 0x0FBA, inner, 0xF);
+    Deck deck;
+    const auto good = deck.next_object_id();
+    deck.external_object(
+        container(0, 0x0FD7, {atom(0, 0x0FD3, Bytes{9, 0, 0, 0}), odd, cstring(1, u"C:\\a.doc")}));
+    deck.add_slide().shape(Shape().link(9));
+    ASSERT_EQ(load(deck), 0);
+    relink(0, "C:\\b");
+    const StoredFile copy(path("out.ppt"));
+    EXPECT_NE(std::search(copy.document().begin(), copy.document().end(), odd.begin(), odd.end()),
+              copy.document().end());
+    EXPECT_EQ(link_paths(), Paths{"C:\\b"});
+    j_unLoadFile();
+
+    Deck videos;
+    videos.external_object(video_list(join(
+        {media(0x1005, good, u"C:\\v.avi"), container(0, 0x1005, {media_atom(good + 1), odd})})));
+    videos.add_slide().shape(Shape().object(good));
+    EXPECT_EQ(load(videos), 0);
+    ASSERT_EQ(j_setLinkFileName(0, "C:\\changed", 0), 0);
+    EXPECT_EQ(rewrite("videos.ppt"), status::kDamaged);
+}
+
 TEST_F(RewriteTest, WithoutAChangeOnlyTheEndOfTheStreamIsWritten) {
     Deck deck;
     deck.skip_persist_ids(2);

@@ -15,7 +15,24 @@ constexpr std::uint32_t kBackground = 0x0400;
 
 constexpr std::uint32_t kShapeIdsPerDrawing = 1024;
 
+// The coordinates that the members of a group use: an empty rectangle would hide them.
+Bytes group_bounds() {
+    Bytes body;
+    for (const std::uint32_t edge : {0U, 0U, 5760U, 4320U}) { // left, top, right, bottom
+        bytes::append_u32(body, edge);
+    }
+    return atom(0, kArtGroupBounds, body, 1);
+}
+
 } // namespace
+
+Bytes client_anchor(std::initializer_list<std::uint16_t> edges) {
+    Bytes body;
+    for (const std::uint16_t edge : edges) {
+        bytes::append_u16(body, edge);
+    }
+    return atom(0, kArtClientAnchor, body);
+}
 
 ArtProperty text_property(std::uint16_t id, std::u16string_view text) {
     Bytes data = utf16(text);
@@ -57,8 +74,9 @@ Bytes client_data(View records) {
 
 Bytes shape_group(std::uint32_t shape_id, bool is_outermost, View members) {
     const std::uint32_t flags = kGroupShape | (is_outermost ? kPatriarch : 0);
-    const Bytes self = container(
-        0, kArtShape, {atom(0, kArtGroupBounds, Bytes(16), 1), shape_atom(0, shape_id, flags)});
+    const Bytes self = container(0, kArtShape,
+                                 {group_bounds(), shape_atom(0, shape_id, flags),
+                                  is_outermost ? Bytes{} : client_anchor({0, 0, 5760, 4320})});
     return container(0, kArtShapeGroup, {self, members});
 }
 

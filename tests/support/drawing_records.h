@@ -42,6 +42,9 @@ std::vector<ArtProperty> linked_picture(std::u16string_view path);
 // OfficeArtFSP.
 Bytes shape_atom(std::uint16_t shape_type, std::uint32_t shape_id, std::uint32_t flags);
 
+// Where a shape stands, in master units (576 to the inch): top, left, right, bottom.
+Bytes client_anchor(std::initializer_list<std::uint16_t> edges);
+
 Bytes client_textbox(View records);
 Bytes client_data(View records);
 

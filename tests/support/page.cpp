@@ -12,15 +12,6 @@ using namespace record_type;
 constexpr std::uint32_t kHasAnchorAndType = 0x0A00; // OfficeArtFSP: fHaveAnchor, fHaveSpt
 constexpr std::uint32_t kShapeIdsPerDrawing = 1024;
 
-// Where every shape stands, in master units (576 to the inch): top, left, right, bottom.
-Bytes anchor() {
-    Bytes body;
-    for (const std::uint16_t edge : std::initializer_list<std::uint16_t>{500, 500, 2500, 1200}) {
-        bytes::append_u16(body, edge);
-    }
-    return atom(0, kArtClientAnchor, body);
-}
-
 Action click(std::uint32_t hyperlink_id) {
     Action action;
     action.hyperlink_id = hyperlink_id;
@@ -124,7 +115,8 @@ Bytes Shape::records(std::uint32_t& next_shape_id) const {
     }
     return container(0, kArtShape,
                      {has_type_ ? shape_atom(type_, shape_id, kHasAnchorAndType) : Bytes{},
-                      options_.empty() ? Bytes{} : shape_options(options_), anchor(),
+                      options_.empty() ? Bytes{} : shape_options(options_),
+                      client_anchor({500, 500, 2500, 1200}),
                       client_data_.empty() ? Bytes{} : client_data(client_data_),
                       textbox_.empty() ? Bytes{} : client_textbox(textbox_), extra_});
 }
