@@ -77,9 +77,8 @@ TEST(TextRuns, LayoutsLeadToTheNextRun) {
 TEST(TextRuns, ListOfSmartTagsIsBelievedOnlyAsFarAsItReaches) {
     for (const auto& [count, explained] :
          {std::pair(2U, true), {1U, false}, {0xFFFFFFFFU, false}}) {
-        TextRun run{10, 0x202, bytes::Bytes(2)};
-        bytes::append_u32(run.fields, count);
-        run.fields.resize(run.fields.size() + 8);
+        TextRun run{10, 0x202, bytes::Bytes(2 + 4 + 8)};
+        bytes::store_u32(run.fields, 2, count);
         PptRecord atom(nullptr);
         fill(atom, presentation_builder::text_special_info({&run, 1}));
         EXPECT_EQ(b_explainsRuns(atom, 9), explained) << count;
