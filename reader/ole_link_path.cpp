@@ -5,6 +5,7 @@
 #include "plugin/checked_allocation.h"
 #include "plugin/document_path.h"
 #include "plugin/error_params.h"
+#include "plugin/failure.h"
 #include "plugin/link_record.h"
 #include "plugin/status.h"
 
@@ -18,15 +19,9 @@ namespace {
 constexpr std::int32_t kMonikerSizeOffset = 20;
 constexpr std::int32_t kLimit = static_cast<std::int32_t>(kLinkTextLimit);
 
-void require(std::int32_t status) {
-    if (status != status::kSuccess) {
-        throw static_cast<int>(status);
-    }
-}
-
 std::uint64_t size_of(IStream* stream) {
     STATSTG stat{};
-    require(j_translateComError(stream->Stat(&stat, STATFLAG_NONAME)));
+    require_success(j_translateComError(stream->Stat(&stat, STATFLAG_NONAME)));
     return stat.cbSize.QuadPart;
 }
 
@@ -35,10 +30,10 @@ bytes::Bytes relative_moniker(IStorage* storage) {
     constexpr std::uint64_t kDataOffset = kMonikerSizeOffset + 4;
     constexpr std::uint64_t kBytesBehind = 2;
     ComPtr<IStream> stream;
-    require(j_openStream(storage, WIDE("\001Ole"), true, stream.put()));
-    require(j_seekStream("", stream.get(), kMonikerSizeOffset, 0));
+    require_success(j_openStream(storage, WIDE("\001Ole"), true, stream.put()));
+    require_success(j_seekStream("", stream.get(), kMonikerSizeOffset, 0));
     std::uint8_t raw_size[4] = {};
-    require(j_readStream(stream.get(), raw_size, sizeof raw_size));
+    require_success(j_readStream(stream.get(), raw_size, sizeof raw_size));
     const std::uint32_t size = bytes::load_u32(raw_size, 0);
     bytes::Bytes data;
     if (size == 0) {
@@ -52,7 +47,7 @@ bytes::Bytes relative_moniker(IStorage* storage) {
         throw static_cast<int>(status::kShortRead);
     }
     resize_checked(data, static_cast<std::size_t>(wanted));
-    require(j_readStream(stream.get(), data.data(), static_cast<std::int32_t>(wanted)));
+    require_success(j_readStream(stream.get(), data.data(), static_cast<std::int32_t>(wanted)));
     return data;
 }
 
@@ -69,8 +64,8 @@ std::string ansi_of_units(bytes::View data) {
     }
     std::string ansi(kLinkTextLimit + 1, '\0');
     if (!units.empty()) {
-        require(j_wideToAnsi(units.data(), static_cast<std::int32_t>(units.size()), ansi.data(),
-                             kLimit));
+        require_success(j_wideToAnsi(units.data(), static_cast<std::int32_t>(units.size()),
+                                     ansi.data(), kLimit));
     }
     return ansi.c_str();
 }

@@ -1,6 +1,7 @@
 #include "common_new/common/conversion.h"
 
 #include "plugin/error_params.h"
+#include "plugin/failure.h"
 #include "plugin/status.h"
 #include "plugin/system_error.h"
 
@@ -48,18 +49,11 @@ void require_countable(std::size_t room) {
     }
 }
 
-void throw_unless_success(std::int32_t status) {
-    if (status != status::kSuccess) {
-        throw static_cast<int>(status);
-    }
-}
-
 void append_converted(WideString& out, std::string_view piece) {
     require_countable(piece.size() + 1);
     const std::string source(piece);
     WideString converted(source.size() + 1, WCHAR{0});
-    throw_unless_success(
-        j_ansiToWide(source.c_str(), converted.data(), count_of(converted.size())));
+    require_success(j_ansiToWide(source.c_str(), converted.data(), count_of(converted.size())));
     out += converted.c_str();
 }
 
@@ -68,8 +62,7 @@ void append_converted(std::string& out, WideView piece) {
     require_countable(piece.size() * kMostBytesPerUnit + 1);
     const WideString source(piece);
     std::string converted(source.size() * kMostBytesPerUnit + 1, '\0');
-    throw_unless_success(
-        j_wideToAnsi(source.c_str(), -1, converted.data(), count_of(converted.size())));
+    require_success(j_wideToAnsi(source.c_str(), -1, converted.data(), count_of(converted.size())));
     out += converted.c_str();
 }
 
