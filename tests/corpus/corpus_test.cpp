@@ -1,74 +1,21 @@
 // Presentations by many versions of the application and by other programs: what is in them is
-// listed, and rewriting them changes what was asked and nothing else. The files are looked for
-// where PPT_CORPUS says or beside the project; without them the tests are skipped and say so.
-#include "plugin/link_table.h"
+// listed, and rewriting them changes what was asked and nothing else.
 #include "reader/presentation.h"
-#include "tests/plugin/plugin_fixture.h"
+#include "tests/corpus/corpus_fixture.h"
 #include "tests/plugin/stored_file.h"
 #include "tests/pptlinks/code_page_guard.h"
-
-#include <algorithm>
-#include <cstdlib>
-#include <map>
-#include <set>
 
 namespace {
 
 using namespace ppt;
+using namespace corpus_test;
 using plugin_test::error_params;
 using plugin_test::StoredFile;
 using presentation_builder::record_at;
 using presentation_builder::RecordAt;
-using Paths = std::vector<std::string>;
-namespace fs = std::filesystem;
 
-std::vector<fs::path> files_in(const char* folder) {
-    const char* given = std::getenv("PPT_CORPUS");
-    const fs::path corpus = given != nullptr ? given : PPT_DEFAULT_CORPUS;
-    std::vector<fs::path> files;
-    if (fs::is_directory(corpus / folder)) {
-        for (const auto& entry : fs::directory_iterator(corpus / folder)) {
-            files.push_back(entry.path());
-        }
-    }
-    std::sort(files.begin(), files.end());
-    return files;
-}
-
-class CorpusTest : public plugin_test::PluginTest {
+class CorpusTest : public Corpus {
   protected:
-    static std::vector<fs::path> readable_files() {
-        std::vector<fs::path> files = files_in("real");
-        for (const fs::path& made : files_in("made")) {
-            if (made.filename() != "a_media_linked.ppt") {
-                files.push_back(made);
-            }
-        }
-        return files;
-    }
-
-    void load_file(const fs::path& file) {
-        ASSERT_EQ(j_loadFile(file.string().c_str(), 3), 0) << file << ": " << error_params();
-    }
-
-    // Changes every link, and every use of an object alike. Returns the paths that the copy must
-    // list.
-    Paths change_all(std::string (*change)(const std::string& path)) {
-        std::map<std::int32_t, std::string> by_object;
-        Paths expected;
-        for (std::int32_t i = 0; i < n_getLinkCount(); ++i) {
-            const LinkRecord& record = link(static_cast<std::size_t>(i));
-            rewritten_objects_.insert(record.holder_persist_id);
-            std::string changed = change(link_path(i));
-            if (record.object_list_ordinal >= 0) {
-                changed = by_object.try_emplace(record.object_list_ordinal, changed).first->second;
-            }
-            EXPECT_EQ(j_setLinkFileName(i, changed.c_str(), 0), 0);
-            expected.push_back(changed);
-        }
-        return expected;
-    }
-
     // Everything that is not part of the change keeps its bytes: all other streams, and all objects
     // but the document container and the pages whose links changed.
     void expect_rest_unchanged(const fs::path& before, const std::string& after,
@@ -126,8 +73,6 @@ class CorpusTest : public plugin_test::PluginTest {
                 << "object " << id;
         }
     }
-
-    std::set<std::uint32_t> rewritten_objects_; // persist ids that hold links that were changed
 };
 
 TEST_F(CorpusTest, LinksAreListedAsAnIndependentReadingFoundThem) {
