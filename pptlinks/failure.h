@@ -5,6 +5,7 @@
 #include "platform/platform.h"
 
 #include <cstdint>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -27,8 +28,9 @@ class StatusFailure : public std::runtime_error {
     // Empty when the failure set none of its own.
     std::vector<WideString> parameters;
     bool while_rewriting = false;
-    // The file is of another format altogether; such a file is reported as being in use.
-    bool is_foreign_file = false;
+    // The status whose sentence tells what really happened: a file of another format altogether is
+    // reported as being in use, a missing folder as damage.
+    std::optional<std::int32_t> worded_as;
 };
 
 // The host itself refuses a file. `what()` says what is wrong and what to do.

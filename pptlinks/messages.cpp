@@ -99,8 +99,7 @@ std::string about(const std::string& file) {
 } // namespace
 
 std::string sentence(const StatusFailure& failure, const FilesAtWork& files) {
-    const Message& message =
-        find_message(failure.is_foreign_file ? ppt::status::kNotAPresentation : failure.status);
+    const Message& message = find_message(failure.worded_as.value_or(failure.status));
     const bool of_copy = failure.while_rewriting && message.culprit == Culprit::copy;
     return about(of_copy ? files.copy : files.presentation) +
            expand(message.problem, failure.parameters) + "; " +
@@ -113,7 +112,8 @@ std::string sentence(const FileFailure& failure) {
 }
 
 std::string problem_of(const StatusFailure& failure) {
-    return expand(find_message(failure.status).problem, failure.parameters);
+    return expand(find_message(failure.worded_as.value_or(failure.status)).problem,
+                  failure.parameters);
 }
 
 } // namespace pptlinks

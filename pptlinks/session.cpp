@@ -113,6 +113,21 @@ id64 id_of(const std::string& text) {
     return id;
 }
 
+// What a status that stands for several things means for this file, when that can be told.
+std::optional<std::int32_t> closer_status(std::int32_t status, const std::string& ansi_path) {
+    if (status != ppt::status::kInUseByOther && status != ppt::status::kDamaged) {
+        return std::nullopt;
+    }
+    const HRESULT kind = StgIsStorageFile(wide_from_ansi(ansi_path).c_str());
+    if (status == ppt::status::kInUseByOther && kind == S_FALSE) {
+        return ppt::status::kNotAPresentation;
+    }
+    if (status == ppt::status::kDamaged && kind == STG_E_PATHNOTFOUND) {
+        return ppt::status::kPathNotFound;
+    }
+    return std::nullopt;
+}
+
 } // namespace
 
 std::string_view name_of(LinkKind kind) {
@@ -149,8 +164,7 @@ LoadedPresentation::LoadedPresentation(const std::string& ansi_path) {
     try {
         mark.require_success(result);
     } catch (StatusFailure& failure) {
-        failure.is_foreign_file = result == ppt::status::kInUseByOther &&
-                                  StgIsStorageFile(wide_from_ansi(ansi_path).c_str()) == S_FALSE;
+        failure.worded_as = closer_status(result, ansi_path);
         throw;
     }
 }

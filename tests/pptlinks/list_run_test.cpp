@@ -101,6 +101,14 @@ TEST_F(ListRun, ADamagedOrForeignFileIsNamedAndTheOthersAreListed) {
     EXPECT_EQ(result.out.rfind("talk.ppt: 6 links", 0), 0U);
 }
 
+TEST_F(ListRun, AMissingFolderIsNoDamage) {
+    const RunResult result = run({"list", "gone/talk.ppt"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_NE(result.error.find("gone/talk.ppt: its folder, drive or share is not there"),
+              std::string::npos)
+        << result.error;
+}
+
 TEST_F(ListRun, CodePageDrivesAndOptionsReachThePlugIn) {
     write_deck("talk.ppt");
     const std::string drive = "Z:=" + path("");
