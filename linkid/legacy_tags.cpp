@@ -25,6 +25,7 @@ std::optional<std::string> legacy_tag_value(PptRecord& string_tag) {
         } else if (is_legacy) {
             value = text.substr(0, kLongestId);
         }
+        string_tag.v_skipChild(child);
     }
     return is_legacy ? std::optional(value) : std::nullopt;
 }

@@ -54,6 +54,7 @@ void v_addMediaObject(PptRecord& container, const Ordinals& at) {
     if (path.header.instance() == 0) {
         record.file_name = path.n_getAnsiString(kLinkTextLimit);
     }
+    container.v_skipChild(path);
     if (!record.file_name.empty()) {
         v_addExternalObject(&record);
     }

@@ -158,6 +158,7 @@ void DocumentWalk::walk_page_children(PptRecord& page, std::uint32_t persist_id,
             walk_drawing(*child, persist_id);
         } else if (child->is(RT_CString) && target_id_wanted_ && is_first_slide) {
             read_name_tag(*child, persist_id);
+            page.v_skipChild(*child);
         } else if (child->is(RT_ProgTags) && child->header.length >= kShortestTagContainer &&
                    links_wanted_ && shape_count_ != 0) {
             read_link_number_tags(*child);

@@ -18,12 +18,20 @@ void PptRecord::v_readRecord() {
     if (owner == nullptr) {
         return;
     }
+    begin_record();
+    read_body();
+}
+
+void PptRecord::begin_record() {
     position = owner->n_tellDocument();
     consumed = 0;
     body.clear();
     RecordHeaderBytes raw{};
     owner->v_readDocument(raw);
     header = decode_record_header(raw);
+}
+
+void PptRecord::read_body() {
     if (header.is_container()) {
         return;
     }
@@ -49,7 +57,13 @@ PptRecord* PptRecord::ps_nextChild() {
     if (!child_) {
         child_ = std::make_unique<PptRecord>(owner);
     }
-    child_->v_readRecord();
+    const std::uint64_t room = header.length - consumed;
+    child_->begin_record();
+    const bool ends_inside = kRecordHeaderSize + std::uint64_t{child_->header.length} <= room;
+    if (!ends_inside) {
+        throw static_cast<int>(status::kDamaged);
+    }
+    child_->read_body();
     consumed += child_->header.length + kRecordHeaderSize;
     return child_.get();
 }

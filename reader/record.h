@@ -4,7 +4,8 @@
 // an atom was read, or after all children of a container were read or skipped, the stream stands at
 // the next sibling. The walk only ever moves forward, so a walk costs no more than the stream
 // holds, whatever the lengths in it say. Failures are thrown as `int` status codes; a record that
-// does not lie inside the stream is 8140.
+// does not lie inside the stream, or a child that does not end inside its container, is 8140:
+// walking such a container child by child and copying it whole would not read the same records.
 #pragma once
 
 #include "reader/record_header.h"
@@ -37,7 +38,8 @@ class PptRecord {
     void v_readHeader();
 
     // The next child, read; null when this is an atom or all children have been read. The child is
-    // owned by this record and is overwritten by the next call.
+    // owned by this record and is overwritten by the next call. Throws 8140 for a child that runs
+    // past the end of this container.
     PptRecord* ps_nextChild();
 
     // Moves past the children of `child` when it is a container.
@@ -64,6 +66,9 @@ class PptRecord {
     std::uint32_t consumed = 0; // bytes of children read so far, headers included
 
   private:
+    void begin_record();
+    void read_body();
+
     std::unique_ptr<PptRecord> child_;
 };
 
