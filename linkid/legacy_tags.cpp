@@ -48,10 +48,16 @@ std::size_t n_readLinkNumberTags(PptRecord& tags, std::uint64_t capacity,
 
 LegacyTagIds::LegacyTagIds(LinkTable& links)
     : links_(links.links()) {
-    for (std::size_t i = 0; i < links_.size(); ++i) {
-        const bool is_hyperlink = links_[i].record_type == RT_ExternalHyperlink;
-        (is_hyperlink ? hyperlinks_ : others_).push_back(i);
-        first_of_page_.try_emplace(links_[i].slide_index, i);
+    const auto is_hyperlink = [](const LinkRecord& link) {
+        return link.record_type == RT_ExternalHyperlink;
+    };
+    const auto count =
+        static_cast<std::size_t>(std::count_if(links_.begin(), links_.end(), is_hyperlink));
+    hyperlinks_.reserve(count);
+    others_.reserve(links_.size() - count);
+    for (const LinkRecord& link : links_) {
+        (is_hyperlink(link) ? hyperlinks_ : others_).push_back(link.table_index);
+        first_of_page_.try_emplace(link.slide_index, link.table_index);
     }
 }
 
@@ -67,10 +73,9 @@ void LegacyTagIds::v_assignTagIds(std::int32_t slide_index,
 
 // Gives the entries, one each, to the targets from the table index `start` on; returns the first
 // entry that found no target.
-LegacyTagIds::Entries::const_iterator LegacyTagIds::assign(const std::vector<std::size_t>& targets,
-                                                           std::size_t start,
-                                                           Entries::const_iterator entry,
-                                                           Entries::const_iterator end) {
+LegacyTagIds::Entries::const_iterator
+LegacyTagIds::assign(const std::vector<std::uint32_t>& targets, std::uint32_t start,
+                     Entries::const_iterator entry, Entries::const_iterator end) {
     auto target = std::lower_bound(targets.begin(), targets.end(), start);
     for (; target != targets.end() && entry != end; ++target, ++entry) {
         id64& id = links_[*target].link_id;

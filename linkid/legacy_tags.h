@@ -45,13 +45,13 @@ class LegacyTagIds {
   private:
     using Entries = std::vector<std::string>;
 
-    Entries::const_iterator assign(const std::vector<std::size_t>& targets, std::size_t start,
+    Entries::const_iterator assign(const std::vector<std::uint32_t>& targets, std::uint32_t start,
                                    Entries::const_iterator entry, Entries::const_iterator end);
 
     std::deque<LinkRecord>& links_;
-    std::vector<std::size_t> hyperlinks_; // table indexes, ascending
-    std::vector<std::size_t> others_;
-    std::unordered_map<std::int32_t, std::size_t> first_of_page_; // by slide index
+    std::vector<std::uint32_t> hyperlinks_; // table indexes, ascending
+    std::vector<std::uint32_t> others_;
+    std::unordered_map<std::int32_t, std::uint32_t> first_of_page_; // by slide index
 };
 
 } // namespace ppt

@@ -95,16 +95,16 @@ void fill_empty_targets(bytes::View value) {
     }
     const HyperlinkList list = parse_hyperlink_list(value);
     for (std::size_t k = 0; k < list.entries.size(); ++k) {
-        const std::span<LinkRecord* const> uses =
-            state().links.uses_of_hyperlink(static_cast<std::int32_t>(k));
-        if (uses.empty() || !uses.front()->file_name.empty()) {
+        LinkTable& table = state().links;
+        const LinkTable::Indexes uses = table.uses_of_hyperlink(static_cast<std::int32_t>(k));
+        if (uses.empty() || !table.links()[uses.front()].file_name.empty()) {
             continue;
         }
         const std::string target = ansi_from_wide(list.entries[k].target());
         if (!b_checkLength(target, static_cast<std::int32_t>(kLinkTextLimit))) {
             throw static_cast<int>(status::kTextTooLong);
         }
-        uses.front()->file_name = target;
+        table.links()[uses.front()].file_name = target;
     }
 }
 

@@ -197,9 +197,11 @@ class PropertyWriter {
     }
 
     static void set_address(HyperlinkEntry& entry, std::int32_t ordinal) {
-        for (const LinkRecord* use : state().links.uses_of_hyperlink(ordinal)) {
-            if (use->path_changed()) {
-                entry.new_address = wide_from_ansi(use->file_name);
+        LinkTable& table = state().links;
+        for (const std::uint32_t index : table.uses_of_hyperlink(ordinal)) {
+            const LinkRecord& use = table.links()[index];
+            if (use.path_changed()) {
+                entry.new_address = wide_from_ansi(use.file_name);
                 return;
             }
         }

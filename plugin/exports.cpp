@@ -125,14 +125,14 @@ std::int32_t PPT_CALL j_setLinkFileName(std::int32_t index, const char* name, st
         if (link == nullptr) {
             return status::kIndexOutOfRange;
         }
-        if (ascii_lower(link->file_name) == ascii_lower(name)) {
+        if (ascii_lower(link->file_name.text()) == ascii_lower(name)) {
             return status::kSuccess;
         }
-        link->change_status |= kLinkPathChanged;
+        link->add_change(kLinkPathChanged);
         if (!b_checkLength(name, static_cast<std::int32_t>(kLinkTextLimit))) {
             return status::kTextTooLong;
         }
-        link->file_name = name;
+        link->file_name = state().links.shared_path(name);
         return status::kSuccess;
     });
 }
@@ -158,7 +158,7 @@ std::int32_t PPT_CALL j_setLinkId(std::int32_t index, std::int32_t, const id64* 
         return status::kIndexOutOfRange;
     }
     v_id64Move(&link->link_id, id);
-    link->change_status |= kLinkIdChanged;
+    link->add_change(kLinkIdChanged);
     return status::kSuccess;
 }
 
@@ -167,8 +167,11 @@ std::int32_t PPT_CALL j_getHyperlinkText(std::int32_t index, char* buffer) {
         return status::kNullArgument;
     }
     buffer[0] = '\0';
-    const LinkRecord* link = find_link(index);
-    return link == nullptr ? status::kIndexOutOfRange : copy_text(link->hyperlink_text, buffer);
+    return guarded([&]() -> std::int32_t {
+        const LinkRecord* link = find_link(index);
+        return link == nullptr ? status::kIndexOutOfRange
+                               : copy_text(link->hyperlink_text(), buffer);
+    });
 }
 
 std::int32_t PPT_CALL j_getTargetFileId(std::int32_t, id64* id) {

@@ -7,53 +7,61 @@
 #include "reader/record_types.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace ppt {
 
 namespace {
 
-template <class Field>
-void sort_by(std::vector<LinkRecord*>& links, Field LinkRecord::*field) {
-    std::stable_sort(links.begin(), links.end(), [field](const LinkRecord* a, const LinkRecord* b) {
-        return a->*field < b->*field;
-    });
-}
+// The least that a link takes in the document stream: a reference to an external object.
+constexpr std::uint64_t kSmallestLink = 12;
 
-// The stretch of links whose field has the value.
-template <class Field>
-std::span<LinkRecord* const> with(const std::vector<LinkRecord*>& links, Field LinkRecord::*field,
-                                  Field value) {
-    const auto begin = std::lower_bound(
-        links.begin(), links.end(), value,
-        [field](const LinkRecord* link, Field wanted) { return link->*field < wanted; });
-    const auto end =
-        std::upper_bound(begin, links.end(), value, [field](Field wanted, const LinkRecord* link) {
-            return wanted < link->*field;
-        });
-    return {begin, end};
+std::uint64_t type_and_id(const LinkRecord& object) {
+    return std::uint64_t{object.record_type} << 32 | object.external_object_id;
 }
 
 } // namespace
 
+void LinkTable::set_stream_size(std::uint64_t bytes) {
+    most_links_ =
+        static_cast<std::size_t>(std::min<std::uint64_t>(bytes / kSmallestLink, kMostLinks));
+}
+
 LinkRecord& LinkTable::append_link(const LinkRecord& record) {
-    indexed_ = false;
+    if (links_.size() >= most_links_) {
+        throw static_cast<int>(status::kDamaged);
+    }
+    for (Index* index : {&by_holder_, &by_object_ordinal_, &hyperlinks_by_ordinal_}) {
+        index->is_built = false;
+    }
     links_.push_back(record);
-    links_.back().table_index = links_.size() - 1;
+    links_.back().table_index = static_cast<std::uint32_t>(links_.size() - 1);
     return links_.back();
 }
 
 void LinkTable::append_external_object(const LinkRecord& record) {
+    const auto first = object_by_id_.find(record.external_object_id);
+    const bool id_is_taken = first != object_by_id_.end();
+    if (id_is_taken && (first->second->record_type == record.record_type ||
+                        later_object_.contains(type_and_id(record)))) {
+        return;
+    }
     external_objects_.push_back(record);
     LinkRecord& added = external_objects_.back();
-    added.table_index = external_objects_.size() - 1;
-    const auto [first, is_first] = object_by_id_.try_emplace(added.external_object_id, &added);
-    if (!is_first && first->second->record_type != added.record_type) {
-        later_object_.try_emplace({added.record_type, added.external_object_id}, &added);
+    added.table_index = static_cast<std::uint32_t>(external_objects_.size() - 1);
+    if (id_is_taken) {
+        later_object_.emplace(type_and_id(added), &added);
+    } else {
+        object_by_id_.emplace(added.external_object_id, &added);
     }
 }
 
 void LinkTable::clear() {
     *this = LinkTable();
+}
+
+LinkPath LinkTable::shared_path(const std::string& path) {
+    return paths_.try_emplace(path, path).first->second;
 }
 
 LinkRecord* LinkTable::at(std::int32_t index) {
@@ -72,62 +80,71 @@ LinkRecord* LinkTable::find_external_object(std::uint32_t record_type,
     if (record_type == 0 || first->second->record_type == record_type) {
         return first->second;
     }
-    const auto later = later_object_.find({record_type, external_object_id});
+    const auto later = later_object_.find(std::uint64_t{record_type} << 32 | external_object_id);
     return later == later_object_.end() ? nullptr : later->second;
 }
 
-void LinkTable::build_indexes() {
-    if (indexed_) {
-        return;
-    }
-    by_holder_.clear();
-    hyperlinks_by_ordinal_.clear();
-    of_document_.clear();
-    for (LinkRecord& link : links_) {
-        by_holder_.push_back(&link);
-        const bool hyperlink = link.record_type == RT_ExternalHyperlink;
-        if (hyperlink) {
-            hyperlinks_by_ordinal_.push_back(&link);
+// The stretch of the index whose links have the value; builds the index when it is asked first.
+template <class Field>
+LinkTable::Indexes LinkTable::with(Index& index, Field LinkRecord::*field, Field value,
+                                   bool only_hyperlinks) {
+    std::vector<std::uint32_t>& order = index.order;
+    const auto field_of = [this, field](std::uint32_t at) { return links_[at].*field; };
+    if (!index.is_built) {
+        const auto is_listed = [only_hyperlinks](const LinkRecord& link) {
+            return !only_hyperlinks || link.record_type == RT_ExternalHyperlink;
+        };
+        order.clear();
+        order.reserve(
+            static_cast<std::size_t>(std::count_if(links_.begin(), links_.end(), is_listed)));
+        for (const LinkRecord& link : links_) {
+            if (is_listed(link)) {
+                order.push_back(link.table_index);
+            }
         }
-        if (hyperlink || link.holder_persist_id == document_persist_id_) {
-            of_document_.push_back(&link);
-        }
+        std::sort(order.begin(), order.end(), [&](std::uint32_t a, std::uint32_t b) {
+            return std::pair(field_of(a), a) < std::pair(field_of(b), b);
+        });
+        index.is_built = true;
     }
-    by_object_ordinal_ = by_holder_;
-    sort_by(by_holder_, &LinkRecord::holder_persist_id);
-    sort_by(by_object_ordinal_, &LinkRecord::object_list_ordinal);
-    sort_by(hyperlinks_by_ordinal_, &LinkRecord::hyperlink_ordinal);
-    indexed_ = true;
+    const auto begin =
+        std::lower_bound(order.begin(), order.end(), value,
+                         [&](std::uint32_t at, Field wanted) { return field_of(at) < wanted; });
+    const auto end =
+        std::upper_bound(begin, order.end(), value,
+                         [&](Field wanted, std::uint32_t at) { return wanted < field_of(at); });
+    return {begin, end};
+}
+
+bool LinkTable::is_of_document(const LinkRecord& link) const {
+    return link.record_type == RT_ExternalHyperlink ||
+           link.holder_persist_id == document_persist_id_;
 }
 
 LinkRecord* LinkTable::next_of_holder(std::uint32_t persist_id, bool only_changed,
                                       const LinkRecord* after) {
-    build_indexes();
-    const std::span<LinkRecord* const> held =
-        persist_id == document_persist_id_
-            ? std::span<LinkRecord* const>(of_document_)
-            : with(by_holder_, &LinkRecord::holder_persist_id, persist_id);
-    auto next = held.begin();
-    if (after != nullptr) {
-        next = std::upper_bound(
-            held.begin(), held.end(), after->table_index,
-            [](std::size_t index, const LinkRecord* link) { return index < link->table_index; });
+    const std::uint32_t first = after == nullptr ? 0 : after->table_index + 1;
+    const auto is_asked_for = [only_changed](const LinkRecord& link) {
+        return !only_changed || link.path_changed();
+    };
+    if (persist_id == document_persist_id_) {
+        const auto next = std::find_if(
+            links_.begin() + std::min<std::ptrdiff_t>(first, std::ssize(links_)), links_.end(),
+            [&](const LinkRecord& link) { return is_of_document(link) && is_asked_for(link); });
+        return next == links_.end() ? nullptr : &*next;
     }
-    if (only_changed) {
-        next = std::find_if(next, held.end(),
-                            [](const LinkRecord* link) { return link->path_changed(); });
-    }
-    return next == held.end() ? nullptr : *next;
+    const Indexes held = with(by_holder_, &LinkRecord::holder_persist_id, persist_id);
+    const auto next = std::find_if(std::lower_bound(held.begin(), held.end(), first), held.end(),
+                                   [&](std::uint32_t at) { return is_asked_for(links_[at]); });
+    return next == held.end() ? nullptr : &links_[*next];
 }
 
-std::span<LinkRecord* const> LinkTable::uses_of_object(std::int32_t object_list_ordinal) {
-    build_indexes();
+LinkTable::Indexes LinkTable::uses_of_object(std::int32_t object_list_ordinal) {
     return with(by_object_ordinal_, &LinkRecord::object_list_ordinal, object_list_ordinal);
 }
 
-std::span<LinkRecord* const> LinkTable::uses_of_hyperlink(std::int32_t hyperlink_ordinal) {
-    build_indexes();
-    return with(hyperlinks_by_ordinal_, &LinkRecord::hyperlink_ordinal, hyperlink_ordinal);
+LinkTable::Indexes LinkTable::uses_of_hyperlink(std::int32_t hyperlink_ordinal) {
+    return with(hyperlinks_by_ordinal_, &LinkRecord::hyperlink_ordinal, hyperlink_ordinal, true);
 }
 
 LinkRecord* ps_addLinkRecord(LinkRecord* link_template) {
@@ -142,11 +159,11 @@ LinkRecord* ps_addLinkRecord(LinkRecord* link_template) {
         v_setErrorParamTextAndNumber(path.c_str(), kLinkTextLimit);
         throw static_cast<int>(status::kTextTooLong);
     }
-    link_template->initial_file_name = path;
+    link_template->initial_file_name = link_template->file_name;
     link_template->change_status = kLinkUnchanged;
     link_template->property_id = 0;
     v_id64Set(&link_template->link_id, 1);
-    link_template->hyperlink_text.clear();
+    link_template->box_text = {};
     return &state().links.append_link(*link_template);
 }
 
@@ -167,9 +184,10 @@ LinkRecord* ps_nextLinkOfHolder(std::uint32_t persist_id, bool only_changed,
 }
 
 LinkRecord* ps_findChangedLinkByOrdinal(std::int32_t object_list_ordinal) {
-    for (LinkRecord* use : state().links.uses_of_object(object_list_ordinal)) {
-        if (use->path_changed()) {
-            return use;
+    LinkTable& table = state().links;
+    for (const std::uint32_t use : table.uses_of_object(object_list_ordinal)) {
+        if (table.links()[use].path_changed()) {
+            return &table.links()[use];
         }
     }
     return nullptr;

@@ -42,6 +42,9 @@ std::int32_t read_presentation(ComPtr<IStorage> root, std::int32_t flags) {
     if (presentation.has_user_edit()) {
         plugin.links.set_document_persist_id(presentation.current_user_edit().document_persist_id);
     }
+    if (presentation.ps_getDocumentStream() != nullptr) {
+        plugin.links.set_stream_size(presentation.document_size());
+    }
     std::int32_t status = j_findLinks(presentation, flags);
     v_logLine("Link paths have been obtained");
     presentation.v_releaseDocumentStream();

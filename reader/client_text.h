@@ -28,11 +28,12 @@ class ClientText {
 
     void set_type(std::uint32_t type);
 
-    // Takes the text of a characters or bytes atom in place of the text kept so far.
-    void keep(const PptRecord& atom);
+    // Takes the text of a characters or bytes atom, whose body it takes over, in place of the text
+    // kept so far.
+    void keep(PptRecord& atom);
 
     // Characters of the kept text.
-    std::int32_t length() const { return static_cast<std::int32_t>(units_.size()); }
+    std::int32_t length() const { return text_.get() == nullptr ? 0 : text_.get()->length(); }
 
     // Gives a text hyperlink its place, its page and, where the options ask for it, its displayed
     // text: the range cut to the kept text and to 1023 bytes, never inside a character. The range
@@ -41,15 +42,12 @@ class ClientText {
 
   private:
     bool is_kept_type() const { return type_ == 4 || type_ == 6; }
-    std::string displayed_text(LinkRecord& link) const;
-    std::string ansi(std::size_t start, std::size_t end) const;
+    void show_text(LinkRecord& link) const;
 
     std::uint32_t page_persist_id_;
     std::uint32_t type_ = 0;
     std::uint32_t position_ = 0;
-    bool kept_ = false;
-    std::basic_string<WCHAR> units_;
-    bool raw_ = false; // the low bytes of the units are the ANSI text
+    Shared<StoredText> text_;
 };
 
 } // namespace ppt

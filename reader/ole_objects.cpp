@@ -59,7 +59,7 @@ void OleObjects::v_addOleLinkObject(const PptRecord& atom, std::int32_t ordinal)
     presentation.v_seekDocument(list_position);
 }
 
-const std::string& OleObjects::path_at(std::uint32_t offset, PptPresentation& presentation) {
+const LinkPath& OleObjects::path_at(std::uint32_t offset, PptPresentation& presentation) {
     if (const auto known = paths_.find(offset); known != paths_.end()) {
         return known->second;
     }

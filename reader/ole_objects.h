@@ -2,6 +2,7 @@
 // of a linked source stands in the object's own storage, which is an object of the presentation.
 #pragma once
 
+#include "plugin/link_text.h"
 #include "reader/record.h"
 
 #include <cstdint>
@@ -21,9 +22,9 @@ class OleObjects {
     void v_addOleLinkObject(const PptRecord& atom, std::int32_t ordinal);
 
   private:
-    const std::string& path_at(std::uint32_t offset, PptPresentation& presentation);
+    const LinkPath& path_at(std::uint32_t offset, PptPresentation& presentation);
 
-    std::unordered_map<std::uint32_t, std::string> paths_; // by offset of the storage
+    std::unordered_map<std::uint32_t, LinkPath> paths_; // by offset of the storage
     std::uint64_t bytes_read_ = 0;
 };
 

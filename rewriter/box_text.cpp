@@ -35,7 +35,7 @@ void BoxText::add_follower(PptRecord& record) {
 }
 
 std::int32_t BoxText::replace(const std::vector<const LinkRecord*>& links, bool is_only_text,
-                              std::unordered_set<std::size_t>& written) {
+                              std::vector<bool>& written) {
     const bool is_replaceable = type_ == 4 || type_ == 6;
     if (!is_replaceable) {
         return 0;
@@ -53,7 +53,7 @@ std::int32_t BoxText::replace(const std::vector<const LinkRecord*>& links, bool 
                              change.end == applied.back().end &&
                              change.words == applied.back().words;
         if (is_same || !overlaps) {
-            written.insert(change.link->table_index);
+            written[change.link->table_index] = true;
         }
         if (!overlaps) {
             applied.push_back(std::move(change));
@@ -112,7 +112,7 @@ BoxText::Units BoxText::words_of(const LinkRecord& link) const {
         return wide_from_ansi(link.file_name);
     }
     Units words;
-    for (const char byte : link.file_name) {
+    for (const char byte : link.file_name.text()) {
         words.push_back(static_cast<unsigned char>(byte));
     }
     return words;

@@ -26,10 +26,9 @@ class BoxText {
     // Replaces, in a text of type 4 or 6, the displayed texts of the changed ones among `links`
     // whose text follows the path; `links` are all hyperlinks of this text. A link without a range
     // of its own is only trusted when `is_only_text`, since it may belong to another text of the
-    // box. The table indexes of links that were written are added to `written`. Returns the size
-    // change.
+    // box. Sets in `written`, by table index, the links that were written. Returns the size change.
     std::int32_t replace(const std::vector<const LinkRecord*>& links, bool is_only_text,
-                         std::unordered_set<std::size_t>& written);
+                         std::vector<bool>& written);
 
   private:
     using Units = std::basic_string<WCHAR>;

@@ -91,7 +91,7 @@ std::optional<bytes::Bytes> retargeted_body(PptRecord& record, const LinkRecord&
             return storage_body(record, block);
         }
     } catch (...) {
-        v_setErrorParamTwoTexts(link.initial_file_name, link.file_name.c_str());
+        v_setErrorParamTwoTexts(link.initial_file_name.text(), link.file_name.c_str());
     }
     return std::nullopt;
 }
@@ -101,7 +101,7 @@ void note_written(RewriteCopy& copy, const LinkRecord& written) {
     const LinkRecord* link = nullptr;
     while ((link = ps_nextLinkOfHolder(written.holder_persist_id, true, link)) != nullptr) {
         if (b_pathsEqual(link->file_name.c_str(), written.file_name.c_str())) {
-            copy.written_links.insert(link->table_index);
+            copy.written_links[link->table_index] = true;
         }
     }
 }

@@ -3,6 +3,8 @@
 #include "common_new/SafeFunc/paths.h"
 #include "plugin/state.h"
 
+#include <algorithm>
+#include <deque>
 #include <string>
 
 namespace ppt {
@@ -13,7 +15,7 @@ constexpr char kParagraphMark = '\r';
 
 // The displayed text was the path, apart from the paragraph mark that a range often includes.
 bool text_was_path(const LinkRecord& link) {
-    std::string text = link.hyperlink_text;
+    std::string text = link.hyperlink_text();
     while (!text.empty() && text.back() == kParagraphMark) {
         text.pop_back();
     }
@@ -47,9 +49,15 @@ bool b_textFollowsPath(const LinkRecord& link) {
 }
 
 std::vector<std::size_t> links_not_written(const RewriteCopy& copy) {
+    const auto is_missing = [&copy](const LinkRecord& link) {
+        return is_due_elsewhere(link) && !copy.written_links[link.table_index];
+    };
+    const std::deque<LinkRecord>& links = state().links.links();
     std::vector<std::size_t> missing;
-    for (const LinkRecord& link : state().links.links()) {
-        if (is_due_elsewhere(link) && !copy.written_links.contains(link.table_index)) {
+    missing.reserve(
+        static_cast<std::size_t>(std::count_if(links.begin(), links.end(), is_missing)));
+    for (const LinkRecord& link : links) {
+        if (is_missing(link)) {
             missing.push_back(link.table_index);
         }
     }

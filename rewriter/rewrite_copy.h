@@ -5,13 +5,14 @@
 // From then on everything behind it is moved by copying it anew from the loaded presentation.
 #pragma once
 
+#include "plugin/state.h"
 #include "reader/presentation.h"
 #include "rewriter/copy_writer.h"
 #include "rewriter/shift_table.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <unordered_set>
+#include <vector>
 
 namespace ppt {
 
@@ -19,7 +20,8 @@ struct RewriteCopy {
     RewriteCopy(PptPresentation& loaded_presentation, PptPresentation& copy_presentation)
         : loaded(loaded_presentation)
         , copy(copy_presentation)
-        , writer(copy_presentation.ps_getDocumentStream()) {}
+        , writer(copy_presentation.ps_getDocumentStream())
+        , written_links(state().links.links().size()) {}
 
     bool has_written() const { return copy_position > 0; }
 
@@ -34,8 +36,8 @@ struct RewriteCopy {
     PptPresentation& copy;
     CopyWriter writer; // on the copy's document stream
     ShiftTable shifts;
-    // Table indexes of the links whose picture name, displayed text or OLE source was written.
-    std::unordered_set<std::size_t> written_links;
+    // By table index: the links whose picture name, displayed text or OLE source was written.
+    std::vector<bool> written_links;
 
     std::uint32_t copy_position = 0;   // behind the last record written; 0: none yet
     std::uint32_t loaded_position = 0; // behind the last record consumed and written

@@ -21,7 +21,7 @@ std::int32_t n_rewriteShapeOptions(PptRecord& table, const LinkRecord& link, Rew
             options.with_picture_name(wide_from_ansi(link.file_name));
         if (body) {
             change = n_setBody(table, std::move(*body));
-            copy.written_links.insert(link.table_index);
+            copy.written_links[link.table_index] = true;
         }
     }
     v_writeRecord(copy, table);

@@ -283,7 +283,7 @@ TEST(LinkPropertyNameTest, CarriesIdAndSuffixAsFarAsThereIsRoom) {
     const std::size_t room = 259 - 17;
     record.file_name = std::string(room, '!');
     EXPECT_EQ(link_property_name(record).size(), 259u) << "no room for the end mark";
-    record.file_name += "!";
+    record.file_name = record.file_name.text() + "!";
     EXPECT_EQ(link_property_name(record), "MORVANE-LINK-ID=5%%");
 }
 

@@ -15,7 +15,7 @@ class LinkTableTest : public plugin_test::PluginTest {
   protected:
     // A use of the external object at the ordinal.
     static LinkRecord* add(const std::string& file_name, std::int32_t ordinal = 0,
-                           std::uint32_t type = 0x0FD7, std::uint32_t holder = 1) {
+                           std::uint16_t type = 0x0FD7, std::uint32_t holder = 1) {
         LinkRecord record;
         record.file_name = file_name;
         record.object_list_ordinal = ordinal;
@@ -99,13 +99,15 @@ TEST_F(LinkTableTest, AddingResetsTheTemplateAndLogsWhatHasAName) {
     const std::size_t before = log_lines().size();
     LinkRecord record;
     record.file_name = "named";
-    record.hyperlink_text = "text";
+    record.box_text = Shared(StoredText(bytes::Bytes(4, 't'), true, true));
+    record.text_range_end = 4;
+    EXPECT_EQ(record.hyperlink_text(), "tttt");
     record.change_status = 3;
     record.property_id = 9;
     record.link_id = id(4);
     ps_addLinkRecord(&record);
     EXPECT_EQ(record.change_status, 0);
-    EXPECT_EQ(record.hyperlink_text, "");
+    EXPECT_EQ(record.hyperlink_text(), "");
     EXPECT_EQ(record.property_id, 0u);
     EXPECT_EQ(b_id64IsClear(&record.link_id), 1);
     add("");
