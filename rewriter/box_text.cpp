@@ -8,6 +8,8 @@
 #include "rewriter/text_runs.h"
 
 #include <algorithm>
+#include <unordered_set>
+#include <utility>
 
 namespace ppt {
 
@@ -17,33 +19,51 @@ constexpr std::size_t kMostReplacements = 1000;
 constexpr WCHAR kParagraphMark = 0x0D;
 constexpr std::size_t kRangeSize = 8; // start and end
 
+bool is_range(const PptRecord& record) {
+    return record.is(RT_TextInteractiveInfoAtom) && record.body.size() >= kRangeSize;
+}
+
 } // namespace
 
 BoxText::BoxText(PptRecord& atom, std::uint32_t type)
-    : atom_(atom)
+    : atom_(atom.owner)
     , type_(type)
-    , units_(units_of_text_atom(atom))
-    , holds_ansi_bytes_(b_holdsAnsiBytes(atom)) {}
+    , holds_ansi_bytes_(b_holdsAnsiBytes(atom))
+    , length_(static_cast<std::uint32_t>(atom.is(RT_TextBytesAtom) ? atom.body.size()
+                                                                   : atom.body.size() / 2)) {
+    atom_.header = atom.header;
+    atom_.position = atom.position;
+    atom_.body = std::move(atom.body);
+}
 
-void BoxText::add_follower(PptRecord& record) {
-    if (b_holdsRuns(record)) {
-        runs_.push_back(&record);
-    } else if (record.is(RT_TextInteractiveInfoAtom) && record.body.size() >= kRangeSize) {
-        ranges_.push_back(&record);
-        range_starts_.insert(record.u32_at(0));
+void BoxText::add_follower(const PptRecord& record) {
+    followers_.push_back(record.position);
+    if (is_range(record)) {
+        ranges_.push_back({record.u32_at(0), record.u32_at(4)});
     }
 }
 
-std::int32_t BoxText::replace(const std::vector<const LinkRecord*>& links, bool is_only_text,
-                              std::vector<bool>& written) {
+std::int32_t BoxText::write(const std::vector<const LinkRecord*>& links, bool is_only_text,
+                            RewriteCopy& copy) {
+    std::int32_t change = 0;
     const bool is_replaceable = type_ == 4 || type_ == 6;
-    if (!is_replaceable) {
-        return 0;
+    if (is_replaceable && !links.empty()) {
+        for (const Range& range : ranges_) {
+            range_starts_.push_back(range.start);
+        }
+        std::sort(range_starts_.begin(), range_starts_.end());
+        std::vector<Change> changes = changes_of(links, is_only_text);
+        if (!changes.empty() && explains_runs(copy.loaded)) {
+            change = replace(std::move(changes), links, copy);
+        }
     }
-    std::vector<Change> changes = changes_of(links, is_only_text);
-    if (changes.empty() || !explains_runs()) {
-        return 0;
-    }
+    v_writeRecord(copy, atom_);
+    write_followers(copy);
+    return change;
+}
+
+std::int32_t BoxText::replace(std::vector<Change> changes,
+                              const std::vector<const LinkRecord*>& links, RewriteCopy& copy) {
     // A click and a mouse-over link may share their words; the first one's path is what they
     // become.
     std::vector<Change> applied;
@@ -53,18 +73,42 @@ std::int32_t BoxText::replace(const std::vector<const LinkRecord*>& links, bool 
                              change.end == applied.back().end &&
                              change.words == applied.back().words;
         if (is_same || !overlaps) {
-            written[change.link->table_index] = true;
+            copy.written_links[change.link->table_index] = true;
         }
         if (!overlaps) {
             applied.push_back(std::move(change));
         }
     }
     const Units text = apply(applied);
-    for (PptRecord* runs : runs_) {
-        v_adjustTextRuns(*runs, length(), replacements_);
-    }
     move_ranges(links);
     return store(text);
+}
+
+void BoxText::write_followers(RewriteCopy& copy) const {
+    auto range = ranges_.begin();
+    PptRecord record(atom_.owner);
+    for (const std::uint32_t position : followers_) {
+        copy.loaded.v_seekDocument(position);
+        record.v_readRecord();
+        if (is_range(record)) {
+            bytes::store_u32(record.body, 0, range->start);
+            bytes::store_u32(record.body, 4, range->end);
+            ++range;
+        } else if (b_holdsRuns(record) && !replacements_.all().empty()) {
+            v_adjustTextRuns(record, length_, replacements_);
+        }
+        v_writeRecord(copy, record);
+    }
+}
+
+WCHAR BoxText::unit(std::uint32_t at) const {
+    return static_cast<WCHAR>(atom_.is(RT_TextBytesAtom)
+                                  ? atom_.body[at]
+                                  : bytes::load_u16(atom_.body, 2 * std::size_t{at}));
+}
+
+bool BoxText::starts_a_range(std::uint32_t start) const {
+    return std::binary_search(range_starts_.begin(), range_starts_.end(), start);
 }
 
 // In the order of the text.
@@ -79,7 +123,7 @@ std::vector<BoxText::Change> BoxText::changes_of(const std::vector<const LinkRec
             break;
         }
         Change change;
-        if (find_range(*link, change) && (is_only_text || range_starts_.contains(change.start))) {
+        if (find_range(*link, change) && (is_only_text || starts_a_range(change.start))) {
             change.words = words_of(*link);
             changes.push_back(std::move(change));
         }
@@ -94,14 +138,14 @@ std::vector<BoxText::Change> BoxText::changes_of(const std::vector<const LinkRec
 bool BoxText::find_range(const LinkRecord& link, Change& change) const {
     const bool is_range = link.text_range_start >= 0 &&
                           link.text_range_start <= link.text_range_end &&
-                          static_cast<std::uint32_t>(link.text_range_start) <= length();
+                          static_cast<std::uint32_t>(link.text_range_start) <= length_;
     if (!is_range) {
         return false;
     }
     change.link = &link;
     change.start = static_cast<std::uint32_t>(link.text_range_start);
-    change.end = std::min(static_cast<std::uint32_t>(link.text_range_end), length());
-    while (change.end > change.start && units_[change.end - 1] == kParagraphMark) {
+    change.end = std::min(static_cast<std::uint32_t>(link.text_range_end), length_);
+    while (change.end > change.start && unit(change.end - 1) == kParagraphMark) {
         --change.end;
     }
     return true;
@@ -118,24 +162,39 @@ BoxText::Units BoxText::words_of(const LinkRecord& link) const {
     return words;
 }
 
-bool BoxText::explains_runs() const {
-    return std::all_of(runs_.begin(), runs_.end(),
-                       [this](const PptRecord* runs) { return b_explainsRuns(*runs, length()); });
+bool BoxText::explains_runs(PptPresentation& loaded) const {
+    PptRecord record(atom_.owner);
+    return std::all_of(followers_.begin(), followers_.end(), [&](std::uint32_t position) {
+        loaded.v_seekDocument(position);
+        record.v_readRecord();
+        return !b_holdsRuns(record) || b_explainsRuns(record, length_);
+    });
 }
 
 // The new text; notes what it replaces.
 BoxText::Units BoxText::apply(const std::vector<Change>& changes) {
-    Units text;
-    std::uint32_t copied = 0;
+    std::size_t size = length_;
     for (const Change& change : changes) {
-        text.append(units_, copied, change.start - copied);
+        size += change.words.size();
+    }
+    Units text;
+    text.reserve(size);
+    std::uint32_t copied = 0;
+    const auto copy_up_to = [&](std::uint32_t end) {
+        for (; copied < end; ++copied) {
+            text.push_back(unit(copied));
+        }
+    };
+    for (const Change& change : changes) {
+        copy_up_to(change.start);
         const auto new_start = static_cast<std::uint32_t>(text.size());
         text += change.words;
         const auto new_end = static_cast<std::uint32_t>(text.size());
         replacements_.add({change.start, change.end, new_start, new_end});
         copied = change.end;
     }
-    return text.append(units_, copied);
+    copy_up_to(length_);
+    return text;
 }
 
 // A bytes atom whose new text does not fit one byte for each character becomes a characters atom.
@@ -165,24 +224,18 @@ void BoxText::move_ranges(const std::vector<const LinkRecord*>& links) {
     }
     std::vector<TextReplacement> without_range;
     for (const TextReplacement& replacement : replacements_.all()) {
-        if (!range_starts_.contains(replacement.old_start)) {
+        if (!starts_a_range(replacement.old_start)) {
             without_range.push_back(replacement);
         }
     }
     auto next = without_range.begin();
-    for (PptRecord* range : ranges_) {
-        std::uint32_t start = range->u32_at(0);
-        std::uint32_t end = range->u32_at(4);
-        if (link_starts.contains(start) || next == without_range.end()) {
-            start = replacements_.moved_start(start);
-            end = replacements_.moved_end(end);
+    for (Range& range : ranges_) {
+        if (link_starts.contains(range.start) || next == without_range.end()) {
+            range = {replacements_.moved_start(range.start), replacements_.moved_end(range.end)};
         } else {
-            start = next->new_start;
-            end = next->new_end;
+            range = {next->new_start, next->new_end};
             ++next;
         }
-        bytes::store_u32(range->body, 0, start);
-        bytes::store_u32(range->body, 4, end);
     }
 }
 

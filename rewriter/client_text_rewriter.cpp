@@ -6,6 +6,7 @@
 #include "rewriter/page_links.h"
 
 #include <deque>
+#include <optional>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -16,36 +17,19 @@ namespace {
 
 using Links = std::vector<const LinkRecord*>;
 
-// The children of a box; containers without what is in them.
-std::deque<PptRecord> read_children(PptRecord& text_box) {
-    std::deque<PptRecord> records;
-    while (PptRecord* child = text_box.ps_nextChild()) {
-        PptRecord& kept = records.emplace_back(child->owner);
-        kept.header = child->header;
-        kept.position = child->position;
-        kept.body = std::move(child->body);
-        text_box.v_skipChild(*child);
-    }
-    return records;
+bool is_text(const PptRecord& record) {
+    return !record.header.is_container() &&
+           (record.is(RT_TextCharsAtom) || record.is(RT_TextBytesAtom));
 }
 
-// The texts of a box, each with the records behind it.
-std::vector<BoxText> texts_of(std::deque<PptRecord>& records) {
-    std::vector<BoxText> texts;
-    std::uint32_t type = 0;
-    bool in_text = false; // an empty text is a header with runs and no characters
-    for (PptRecord& record : records) {
-        if (record.is(RT_TextHeaderAtom)) {
-            type = record.u32_at(0);
-            in_text = false;
-        } else if (record.is(RT_TextCharsAtom) || record.is(RT_TextBytesAtom)) {
-            texts.emplace_back(record, type);
-            in_text = true;
-        } else if (in_text) {
-            texts.back().add_follower(record);
-        }
+// Reads all children.
+std::size_t count_texts(PptRecord& text_box) {
+    std::size_t count = 0;
+    while (PptRecord* child = text_box.ps_nextChild()) {
+        count += is_text(*child) ? 1 : 0;
+        text_box.v_skipChild(*child);
     }
-    return texts;
+    return count;
 }
 
 // All links of the box, changed or not, by the position of their text: those beside `link` in the
@@ -67,29 +51,69 @@ std::unordered_map<std::uint32_t, Links> links_of(const PptRecord& text_box,
     return links;
 }
 
-std::int32_t replace_texts(std::deque<PptRecord>& records, const PptRecord& text_box,
-                           const LinkRecord& link, RewriteCopy& copy) {
-    std::unordered_map<std::uint32_t, Links> links = links_of(text_box, link);
-    std::vector<BoxText> texts = texts_of(records);
-    std::int32_t sum = 0;
-    for (BoxText& text : texts) {
-        sum += text.replace(links[text.position()], texts.size() == 1, copy.written_links);
+// Writes the children of a box, text by text: a text takes the records behind it along, up to the
+// next text or its header. An empty text is a header with runs and no characters.
+class BoxRewrite {
+  public:
+    BoxRewrite(RewriteCopy& copy, const PptRecord& text_box, const LinkRecord& link,
+               std::size_t text_count)
+        : copy_(copy)
+        , links_(links_of(text_box, link))
+        , is_only_text_(text_count == 1) {}
+
+    // Returns the size change.
+    std::int32_t write_children(PptRecord& text_box) {
+        std::uint32_t type = 0;
+        while (PptRecord* child = text_box.ps_nextChild()) {
+            if (child->is(RT_TextHeaderAtom)) {
+                type = child->u32_at(0);
+                end_text();
+                v_writeRecord(copy_, *child);
+            } else if (is_text(*child)) {
+                end_text();
+                text_.emplace(*child, type);
+            } else if (text_) {
+                text_->add_follower(*child);
+                text_box.v_skipChild(*child);
+            } else {
+                v_writeRecord(copy_, *child);
+            }
+        }
+        end_text();
+        return change_;
     }
-    return sum;
-}
+
+  private:
+    void end_text() {
+        if (!text_) {
+            return;
+        }
+        const std::uint32_t end = copy_.loaded.n_tellDocument();
+        static const Links kNone;
+        const auto links = links_.find(text_->position());
+        change_ +=
+            text_->write(links == links_.end() ? kNone : links->second, is_only_text_, copy_);
+        text_.reset();
+        copy_.loaded.v_seekDocument(end);
+        copy_.v_notePositions();
+    }
+
+    RewriteCopy& copy_;
+    std::unordered_map<std::uint32_t, Links> links_;
+    bool is_only_text_;
+    std::optional<BoxText> text_;
+    std::int32_t change_ = 0;
+};
 
 } // namespace
 
 std::int32_t n_rewriteClientText(PptRecord& text_box, const LinkRecord& link, RewriteCopy& copy) {
     const std::uint32_t header_position = n_openContainer(copy);
-    std::deque<PptRecord> records = read_children(text_box);
-    const std::uint32_t end = copy.loaded.n_tellDocument();
-    const std::int32_t change = replace_texts(records, text_box, link, copy);
-    for (const PptRecord& record : records) {
-        v_writeRecord(copy, record);
-    }
-    copy.loaded.v_seekDocument(end);
-    copy.v_notePositions();
+    BoxRewrite rewrite(copy, text_box, link, count_texts(text_box));
+    copy.loaded.v_seekDocument(text_box.position);
+    PptRecord again(text_box.owner);
+    again.v_readHeader();
+    const std::int32_t change = rewrite.write_children(again);
     v_fixRecordLength(copy, text_box, header_position, change);
     return change;
 }

@@ -12,9 +12,8 @@ namespace ppt {
 namespace {
 
 struct Run {
-    std::size_t offset = 0; // of its count in the body
-    std::uint64_t begin = 0;
-    std::uint64_t end = 0;
+    std::uint32_t offset = 0; // of its count in the body
+    std::uint64_t end = 0;    // behind its last character; it begins where the one before it ends
 };
 
 using Runs = std::vector<Run>;
@@ -35,13 +34,14 @@ void skip_properties(bytes::Cursor& cursor, const RunLayout& layout) {
 
 // The runs that together reach behind the last character, or as many as there are.
 Runs read_runs(bytes::Cursor& cursor, const RunLayout& layout, std::uint32_t length) {
+    constexpr std::size_t kSmallestRun = 8; // count and mask
     Runs runs;
+    runs.reserve(cursor.remaining() / kSmallestRun);
     std::uint64_t end = 0;
     while (cursor.ok() && end <= length && cursor.remaining() > 0) {
-        Run run{cursor.position(), end, 0};
+        const auto offset = static_cast<std::uint32_t>(cursor.position());
         end += cursor.u32();
-        run.end = end;
-        runs.push_back(run);
+        runs.push_back({offset, end});
         skip_properties(cursor, layout);
     }
     return runs;
@@ -61,20 +61,21 @@ std::optional<std::vector<Runs>> all_runs(const PptRecord& atom, std::uint32_t l
     return explained ? std::optional(std::move(passes)) : std::nullopt;
 }
 
-// What a run shares with a stretch of the old text.
-std::uint64_t shared(const Run& run, const TextReplacement& stretch) {
-    const std::uint64_t begin = std::max<std::uint64_t>(run.begin, stretch.old_start);
-    const std::uint64_t end = std::min<std::uint64_t>(run.end, stretch.old_end);
+// What a run from `begin` up to `end` shares with a stretch of the old text.
+std::uint64_t shared(std::uint64_t begin, std::uint64_t end, const TextReplacement& stretch) {
+    begin = std::max<std::uint64_t>(begin, stretch.old_start);
+    end = std::min<std::uint64_t>(end, stretch.old_end);
     return begin < end ? end - begin : 0;
 }
 
 void adjust(bytes::Bytes& body, const Runs& runs, std::span<const TextReplacement> stretches) {
     auto stretch = stretches.begin();
+    std::uint64_t begin = 0;
     for (const Run& run : runs) {
-        std::uint64_t count = run.end - run.begin;
+        std::uint64_t count = run.end - begin;
         while (stretch != stretches.end() && stretch->old_start < run.end) {
-            count -= shared(run, *stretch);
-            if (stretch->old_start >= run.begin) {
+            count -= shared(begin, run.end, *stretch);
+            if (stretch->old_start >= begin) {
                 count += stretch->new_end - stretch->new_start;
             }
             const bool goes_on = stretch->old_end > run.end;
@@ -84,6 +85,7 @@ void adjust(bytes::Bytes& body, const Runs& runs, std::span<const TextReplacemen
             ++stretch;
         }
         bytes::store_u32(body, run.offset, static_cast<std::uint32_t>(count));
+        begin = run.end;
     }
 }
 
