@@ -187,6 +187,7 @@ std::int32_t PPT_CALL j_setTargetFileId(std::int32_t, const id64* id) {
         return status::kNullArgument;
     }
     v_id64Move(&state().target_file_id, id);
+    state().target_file_id_set = true;
     return status::kSuccess;
 }
 

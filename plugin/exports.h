@@ -25,7 +25,8 @@
 
 extern "C" {
 
-// Raises the version ceiling to `ceiling`, keeps `options` when not null (letters, cut at 259),
+// Raises the version ceiling to `ceiling`, keeps `options` when not null (letters, cut at 259: "h",
+// "e" and "t" steer hyperlinks in text, "k" keeps going where an object cannot be read),
 // initialises COM on this thread and opens the trace log. 8800 when COM is out of memory; a log
 // that cannot be opened is no failure.
 PPT_EXPORT std::int32_t PPT_CALL j_initDLL(std::int32_t ceiling, std::int32_t reserved,
@@ -39,8 +40,11 @@ PPT_EXPORT std::int32_t PPT_CALL j_termDLL(std::int32_t reserved1, std::int32_t 
 PPT_EXPORT void PPT_CALL v_setNewMode();
 
 // Opens the presentation at `path` read-only and gathers, by the bits of `flags`, its links and
-// their ids (1) and its own id (2). After a status other than 0 nothing is loaded. Cost: one pass
-// over the records of the document stream.
+// their ids (1) and its own id (2). After a status other than 0 nothing is loaded. With the letter
+// "k" an object, page or property set that cannot be read is left out; the error parameters of a
+// load that gives 0 then are the number of those left out and, for each of the first hundred, its
+// status, its kind and its number (unread_objects.h). Cost: one pass over the records of the
+// document stream.
 PPT_EXPORT std::int32_t PPT_CALL j_loadFile(const char* path, std::int32_t flags);
 
 // Forgets the loaded presentation. Always 0.

@@ -31,9 +31,7 @@ LinkRecord& LinkTable::append_link(const LinkRecord& record) {
     if (links_.size() >= most_links_) {
         throw static_cast<int>(status::kDamaged);
     }
-    for (Index* index : {&by_holder_, &by_object_ordinal_, &hyperlinks_by_ordinal_}) {
-        index->is_built = false;
-    }
+    forget_indexes();
     links_.push_back(record);
     links_.back().table_index = static_cast<std::uint32_t>(links_.size() - 1);
     return links_.back();
@@ -53,6 +51,17 @@ void LinkTable::append_external_object(const LinkRecord& record) {
         later_object_.emplace(type_and_id(added), &added);
     } else {
         object_by_id_.emplace(added.external_object_id, &added);
+    }
+}
+
+void LinkTable::cut_links(std::size_t count) {
+    forget_indexes();
+    links_.resize(std::min(count, links_.size()));
+}
+
+void LinkTable::forget_indexes() {
+    for (Index* index : {&by_holder_, &by_object_ordinal_, &hyperlinks_by_ordinal_}) {
+        index->is_built = false;
     }
 }
 

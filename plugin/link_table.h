@@ -2,9 +2,10 @@
 // keep every look-up constant or logarithmic.
 //
 // Records are appended and only removed all together, so indexes and pointers stay valid until
-// `clear`. Each index by holder or ordinal is built at the first question that needs it after a
-// change: the walk may therefore correct a record that it has just added, and nobody may change the
-// holder, type or ordinals of a record once such a question was asked.
+// `clear`; the walk alone takes back links that it has just added. Each index by holder or ordinal
+// is built at the first question that needs it after a change: the walk may therefore correct a
+// record that it has just added, and nobody may change the holder, type or ordinals of a record
+// once such a question was asked.
 #pragma once
 
 #include "plugin/link_record.h"
@@ -37,6 +38,8 @@ class LinkTable {
     LinkRecord& append_link(const LinkRecord& record);
     // Not kept when an earlier object has its id and type, since no look-up would find it.
     void append_external_object(const LinkRecord& record);
+    // Removes the links that were appended since the table had `count` of them.
+    void cut_links(std::size_t count);
     void clear();
 
     // The path as a text that is kept once, however often it is asked for.
@@ -68,6 +71,7 @@ class LinkTable {
     template <class Field>
     Indexes with(Index& index, Field LinkRecord::*field, Field value, bool only_hyperlinks = false);
     bool is_of_document(const LinkRecord& link) const;
+    void forget_indexes();
 
     std::deque<LinkRecord> links_;
     std::size_t most_links_ = kMostLinks;

@@ -27,6 +27,20 @@ void check_version(IStorage* root) {
     }
 }
 
+// Document properties that cannot be read count as left out: the ids that the document's own
+// records hold stay there.
+std::int32_t read_properties(const PptPresentation& presentation, std::int32_t flags) {
+    PluginState& plugin = state();
+    const std::int32_t status = j_readLinkIdsFromProperties(presentation.root(), flags);
+    if (status == status::kSuccess || !plugin.keeps_going() || !b_liesInObject(status)) {
+        return status;
+    }
+    plugin.unread.add({status, UnreadKind::properties, 0});
+    plugin.properties_unread = true;
+    plugin.ids_in_document = false;
+    return status::kSuccess;
+}
+
 std::int32_t read_presentation(ComPtr<IStorage> root, std::int32_t flags) {
     check_version(root.get());
     PluginState& plugin = state();
@@ -49,9 +63,12 @@ std::int32_t read_presentation(ComPtr<IStorage> root, std::int32_t flags) {
     v_logLine("Link paths have been obtained");
     presentation.v_releaseDocumentStream();
     if (status == status::kSuccess) {
-        status = j_readLinkIdsFromProperties(presentation.root(), flags);
+        status = read_properties(presentation, flags);
     }
     v_logLine("LinkIds have been retrieved");
+    if (status == status::kSuccess && plugin.keeps_going()) {
+        v_setErrorParamUnread(plugin.unread);
+    }
     return status;
 }
 

@@ -14,8 +14,10 @@
 #include "reader/presentation.h"
 #include "rewriter/rewrite_driver.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
+#include <deque>
 
 namespace ppt {
 
@@ -27,6 +29,27 @@ void cut_trailing_blanks(char* path) {
     for (std::size_t length = std::strlen(path); length > 0 && path[length - 1] == ' '; --length) {
         path[length - 1] = '\0';
     }
+}
+
+bool any_id_was_set() {
+    const std::deque<LinkRecord>& links = state().links.links();
+    return state().target_file_id_set ||
+           std::any_of(links.begin(), links.end(), [](const LinkRecord& link) {
+               return (link.change_status & kLinkIdChanged) != 0;
+           });
+}
+
+// Document properties that could not be read are copied as they are; ids that were to go into them
+// fail the rewrite.
+std::int32_t write_properties(IStorage* root, std::int32_t flags) {
+    if (!state().properties_unread) {
+        return j_writeLinkIdsToProperties(root, flags);
+    }
+    if (any_id_was_set()) {
+        v_setErrorParamText(document_path());
+        return status::kPropertiesFailed;
+    }
+    return status::kSuccess;
 }
 
 std::int32_t rewrite_copy(ComPtr<IStorage> root, std::int32_t flags) {
@@ -46,7 +69,7 @@ std::int32_t rewrite_copy(ComPtr<IStorage> root, std::int32_t flags) {
     if (status != status::kSuccess) {
         return status;
     }
-    status = j_writeLinkIdsToProperties(copy.root(), flags);
+    status = write_properties(copy.root(), flags);
     v_logLine("LinkIds have been reset");
     if (status != status::kSuccess) {
         return status;

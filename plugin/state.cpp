@@ -16,6 +16,9 @@ void v_unload() {
     plugin.presentation.reset();
     plugin.links.clear();
     plugin.ids_in_document = false;
+    plugin.unread = {};
+    plugin.properties_unread = false;
+    plugin.target_file_id_set = false;
 }
 
 } // namespace ppt

@@ -5,6 +5,7 @@
 
 #include "hostapi/hostapi.h"
 #include "plugin/link_table.h"
+#include "plugin/unread_objects.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -32,12 +33,19 @@ struct PluginState {
     id64 target_file_id{};
     // Link ids or the target file id were found in the document's own records.
     bool ids_in_document = false;
+    // What the load left out. With the document properties among it, `properties_unread` is set:
+    // the rewrite keeps them as they are.
+    UnreadObjects unread;
+    bool properties_unread = false;
+    bool target_file_id_set = false; // by the host, since the presentation was loaded
     // Table indexes of the changed links that the last rewrite could not write where they stand, on
     // their pages or in OLE storages. Kept when the presentation is unloaded, which the rewrite
     // itself does.
     std::vector<std::size_t> links_not_written;
 
     bool has_option(char letter) const { return options.find(letter) != std::string::npos; }
+    // Whether what cannot be read is left out instead of ending the load.
+    bool keeps_going() const { return has_option('k'); }
 };
 
 PluginState& state();

@@ -24,7 +24,9 @@ constexpr const char* kExamples = R"(Examples:
   pptlinks relink talk.ppt -o new.ppt --set '3=http://example.org/' --set-id 3=1001
   pptlinks list --drive 'Z:=/mnt/z' --drive '\\srv\pub=/mnt/pub' 'Z:\talks\q3.ppt'
 
-Exit status: 0 all well, 1 a file failed or a link is not as it should be, 2 wrong usage.
+An object or page that cannot be read is left out and named, unless --strict makes its file fail.
+Exit status: 0 all well, 1 a file failed, something in it could not be read or a link is not as it
+should be, 2 wrong usage.
 Arguments and output are in UTF-8. See "pptlinks COMMAND --help" for more.)";
 
 constexpr const char* kListExamples = R"(Examples:
@@ -40,7 +42,8 @@ A path is looked up as seen from the folder of its presentation. Web and mail ad
 URLs are not checked. With --json every link has a "target", which is "found" (then "found" holds
 the full path, else null), "missing", "unreachable" (its drive or share is not mapped), "denied",
 "invalid", "failed" or "unchecked".
-Exit status: 0 nothing is missing, 1 something is or a file failed, 2 wrong usage.)";
+Exit status: 0 nothing is missing, 1 something is, could not be read, or a file failed, 2 wrong
+usage.)";
 
 constexpr const char* kRelinkExamples = R"(Examples:
   pptlinks relink talk.ppt -o moved.ppt --map 'C:\media=D:\archive\media'
@@ -49,9 +52,10 @@ constexpr const char* kRelinkExamples = R"(Examples:
   pptlinks relink talk.ppt -o new.ppt --set '2=\\srv\pub\Book.xls!Sheet1' --trust-targets
 
 With the letter h in --options the text of a changed hyperlink becomes its new path, with e only
-where the text was the old path; otherwise the text stays.
-Exit status: 0 all well, 1 no copy was written or not every link could be changed in it, 2 wrong
-usage.)";
+where the text was the old path; otherwise the text stays. What could not be read is in the copy as
+it was.
+Exit status: 0 all well, 1 no copy was written or not every link could be read and changed in it,
+2 wrong usage.)";
 
 constexpr const char* kListOptions = "het"; // of check as well
 constexpr const char* kRelinkOptions = "t";
@@ -122,6 +126,9 @@ void add_common(CLI::App& app, CommonArguments& common) {
         "Where a drive or share lies: 'Z:=/mnt/z', '\\\\srv\\pub=/mnt/pub' or "
         "'Z:=\\\\srv\\pub'; may be repeated, and the environment variable PPT_DRIVES holds "
         "more, separated by ';'");
+    app.add_flag("--strict", common.strict,
+                 "Fail on a presentation in which an object or page cannot be read, instead of "
+                 "leaving that out");
 }
 
 void add_files(CLI::App& command, FilesArguments& arguments) {

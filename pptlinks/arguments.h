@@ -15,6 +15,7 @@ struct CommonArguments {
     std::string options; // letters for the plug-in
     std::optional<std::uint32_t> code_page;
     std::vector<std::string> drives;
+    bool strict = false; // the first object that cannot be read fails its file
 };
 
 struct FilesArguments {

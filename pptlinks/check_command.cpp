@@ -38,12 +38,14 @@ void append_text(std::string& out, const Listing& listing) {
     const std::size_t count = listing.links.size();
     out += terminal_text_from_utf8(listing.file) + ": " + counted(count, "link") + ": " +
            std::to_string(count - missing - unchecked) + " found, " + std::to_string(missing) +
-           " missing, " + std::to_string(unchecked) + " not checked\n";
+           " missing, " + std::to_string(unchecked) + " not checked" + summary_of(listing.unread) +
+           '\n';
 }
 
-// Whether the file could be read and nothing that it links to is missing.
-bool check_file(const std::string& file, const std::string& name, bool json) {
-    const Listing listing = read_listing(file, name, true);
+// Whether all of the file could be read and nothing that it links to is missing.
+bool check_file(const Session& session, const std::string& file, const std::string& name,
+                bool json) {
+    const Listing listing = read_listing(session, file, name, true);
     std::string out;
     if (json) {
         append_json(out, listing);
@@ -51,7 +53,7 @@ bool check_file(const std::string& file, const std::string& name, bool json) {
         append_text(out, listing);
     }
     print(out);
-    return listing.status == 0 &&
+    return listing.status == 0 && listing.unread.count == 0 &&
            std::none_of(listing.targets.begin(), listing.targets.end(),
                         [](const Target& target) { return target.is_missing(); });
 }
@@ -67,7 +69,7 @@ int run_check(const CheckArguments& arguments) {
     }
     bool all_found = true;
     for (std::size_t i = 0; i < names.size(); ++i) {
-        all_found = check_file(arguments.files[i], names[i], arguments.json) && all_found;
+        all_found = check_file(session, arguments.files[i], names[i], arguments.json) && all_found;
     }
     return all_found ? 0 : kExitFailed;
 }

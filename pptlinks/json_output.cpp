@@ -32,12 +32,22 @@ void add_target(Json& link, const Target& target) {
     link["found"] = target.state == TargetState::found ? Json(utf8(target.found)) : Json(nullptr);
 }
 
+std::string dump(const Unread& unread) {
+    Json objects = Json::array();
+    for (const UnreadObject& object : unread.objects) {
+        objects.push_back(
+            {{"object", object.kind}, {"number", object.number}, {"status", object.status}});
+    }
+    return std::to_string(unread.count) + ",\"unread_objects\":" + dump(objects);
+}
+
 } // namespace
 
 // Links are written one by one: a tree of all of them would be many times the size of the output.
 void append_json(std::string& out, const Listing& listing) {
     out += "{\"file\":" + dump(listing.file);
     out += ",\"status\":" + std::to_string(listing.status);
+    out += ",\"unread\":" + dump(listing.unread);
     out += ",\"target_file_id\":" + dump(text_or_null(listing.target_file_id));
     out += ",\"links\":[";
     for (std::size_t i = 0; i < listing.links.size(); ++i) {

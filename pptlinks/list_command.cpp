@@ -17,7 +17,7 @@ std::string summary(const Listing& listing) {
     if (listing.target_file_id) {
         line += ", id " + *listing.target_file_id;
     }
-    return line + '\n';
+    return line + summary_of(listing.unread) + '\n';
 }
 
 void append_table(std::string& out, const Listing& listing) {
@@ -38,9 +38,9 @@ void append_table(std::string& out, const Listing& listing) {
     table.append_to(out);
 }
 
-// Whether the file was listed.
-bool list_file(const std::string& file, bool json) {
-    const Listing listing = read_listing(file, file, false);
+// Whether everything in the file was listed.
+bool list_file(const Session& session, const std::string& file, bool json) {
+    const Listing listing = read_listing(session, file, file, false);
     std::string out;
     if (json) {
         append_json(out, listing);
@@ -48,7 +48,7 @@ bool list_file(const std::string& file, bool json) {
         append_table(out, listing);
     }
     print(out);
-    return listing.status == 0;
+    return listing.status == 0 && listing.unread.count == 0;
 }
 
 } // namespace
@@ -57,7 +57,7 @@ int run_list(const ListArguments& arguments) {
     const Session session(arguments.common);
     bool all_listed = true;
     for (const std::string& file : arguments.files) {
-        all_listed = list_file(file, arguments.json) && all_listed;
+        all_listed = list_file(session, file, arguments.json) && all_listed;
     }
     return all_listed ? 0 : kExitFailed;
 }

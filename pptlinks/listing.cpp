@@ -6,12 +6,15 @@
 
 namespace pptlinks {
 
-Listing read_listing(const std::string& file, const std::string& name, bool looks_up_targets) {
+Listing read_listing(const Session& session, const std::string& file, const std::string& name,
+                     bool looks_up_targets) {
     try {
         Listing listing;
         listing.file = file;
         const std::string path = file_name(name).ansi;
-        const LoadedPresentation presentation(path);
+        const LoadedPresentation presentation(session, path);
+        listing.unread = presentation.unread();
+        complain_of(listing.unread, file);
         listing.target_file_id = presentation.target_file_id();
         listing.links = presentation.links();
         if (looks_up_targets) {

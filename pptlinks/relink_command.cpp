@@ -84,15 +84,17 @@ void apply_ids(LoadedPresentation& presentation, const RelinkArguments& argument
 }
 
 // Gives the exit status.
-int relink(const RelinkArguments& arguments) {
+int relink(const Session& session, const RelinkArguments& arguments) {
     const FileName source = file_name(arguments.file);
     OutputFile output(source, file_name(arguments.out));
-    LoadedPresentation presentation(source.ansi);
+    LoadedPresentation presentation(session, source.ansi);
+    complain_of(presentation.unread(), arguments.file);
     require_links(presentation, arguments);
     const std::vector<Link> links = presentation.links();
     const RelinkPlan plan = plan_relink(links, path_wishes(arguments));
     require_separable(plan, arguments.file);
     Changes changes = apply_paths(presentation, links, plan);
+    changes.unread = presentation.unread();
     apply_ids(presentation, arguments);
     changes.not_written = presentation.rewrite(output.create());
     output.publish();
@@ -101,7 +103,7 @@ int relink(const RelinkArguments& arguments) {
         complain(sentence(FileFailure(arguments.out, why)));
     }
     print(report(arguments, links, plan, changes));
-    return changes.not_written.empty() ? 0 : kExitFailed;
+    return changes.not_written.empty() && changes.unread.count == 0 ? 0 : kExitFailed;
 }
 
 } // namespace
@@ -110,7 +112,7 @@ int run_relink(const RelinkArguments& arguments) {
     platform::trust_link_targets(arguments.trust_targets);
     const Session session(arguments.common);
     try {
-        return relink(arguments);
+        return relink(session, arguments);
     } catch (const StatusFailure& failure) {
         complain(sentence(failure, {arguments.file, arguments.out}));
         return kExitFailed;

@@ -47,7 +47,10 @@ std::string counts(const RelinkArguments& arguments, const std::vector<Link>& li
     if (!arguments.ids.empty()) {
         out += ", " + counted(arguments.ids.size(), "link id") + " set";
     }
-    return out + (arguments.target_id ? ", id of the presentation set\n" : "\n");
+    if (arguments.target_id) {
+        out += ", id of the presentation set";
+    }
+    return out + summary_of(changes.unread) + '\n';
 }
 
 } // namespace

@@ -16,6 +16,7 @@ struct Changes {
     // Of `paths`, ascending: pictures and objects that keep their old paths, and hyperlinks of
     // which only the displayed text stayed.
     std::vector<std::int32_t> not_written;
+    Unread unread; // is in the copy as it was
 };
 
 // "links 0, 2 and 5"

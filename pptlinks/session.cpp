@@ -135,7 +135,8 @@ std::string_view name_of(LinkKind kind) {
     return kNames[static_cast<std::size_t>(kind)];
 }
 
-Session::Session(const CommonArguments& arguments) {
+Session::Session(const CommonArguments& arguments)
+    : keeps_going_(!arguments.strict) {
     if (arguments.code_page && !platform::set_ansi_code_page(*arguments.code_page)) {
         throw UsageError("--code-page: this system does not know code page " +
                          std::to_string(*arguments.code_page));
@@ -148,7 +149,8 @@ Session::Session(const CommonArguments& arguments) {
         }
     }
     v_setNewMode();
-    const std::int32_t result = j_initDLL(kVersionCeiling, 0, arguments.options.c_str());
+    const std::string options = arguments.options + (keeps_going_ ? "k" : "");
+    const std::int32_t result = j_initDLL(kVersionCeiling, 0, options.c_str());
     if (result != ppt::status::kSuccess) {
         throw StatusFailure(result, {});
     }
@@ -158,7 +160,7 @@ Session::~Session() {
     j_termDLL(0, 0);
 }
 
-LoadedPresentation::LoadedPresentation(const std::string& ansi_path) {
+LoadedPresentation::LoadedPresentation(const Session& session, const std::string& ansi_path) {
     const ErrorParameterMark mark;
     const std::int32_t result = j_loadFile(ansi_path.c_str(), kAllFlags);
     try {
@@ -166,6 +168,9 @@ LoadedPresentation::LoadedPresentation(const std::string& ansi_path) {
     } catch (StatusFailure& failure) {
         failure.worded_as = closer_status(result, ansi_path);
         throw;
+    }
+    if (session.keeps_going()) {
+        unread_ = unread_from(split_parameters(error_parameter_text()));
     }
 }
 

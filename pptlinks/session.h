@@ -7,6 +7,7 @@
 
 #include "pptlinks/arguments.h"
 #include "pptlinks/failure.h"
+#include "pptlinks/unread_report.h"
 
 #include <cstdint>
 #include <optional>
@@ -42,16 +43,23 @@ class Session {
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
     ~Session();
+
+    // Whether a load leaves out what it cannot read.
+    bool keeps_going() const { return keeps_going_; }
+
+  private:
+    bool keeps_going_;
 };
 
 class LoadedPresentation {
   public:
     // Loads the presentation at the full path. Throws StatusFailure, as all members do.
-    explicit LoadedPresentation(const std::string& ansi_path);
+    LoadedPresentation(const Session& session, const std::string& ansi_path);
     LoadedPresentation(const LoadedPresentation&) = delete;
     LoadedPresentation& operator=(const LoadedPresentation&) = delete;
     ~LoadedPresentation();
 
+    const Unread& unread() const { return unread_; }
     std::int32_t link_count() const;
     Link link(std::int32_t index) const;
     std::vector<Link> links() const;
@@ -66,6 +74,9 @@ class LoadedPresentation {
     // changed links that could not be written: pictures and objects that keep their paths,
     // hyperlinks whose displayed text stays.
     std::vector<std::int32_t> rewrite(const std::string& ansi_path);
+
+  private:
+    Unread unread_;
 };
 
 // The full path of the file or folder that the path of a link, `ansi_target`, leads to as seen from

@@ -4,8 +4,12 @@
 #include "plugin/link_table.h"
 #include "plugin/state.h"
 #include "plugin/status.h"
+#include "reader/keep_going.h"
 #include "reader/ole_objects.h"
 #include "reader/presentation.h"
+
+#include <utility>
+#include <vector>
 
 namespace ppt {
 
@@ -19,6 +23,8 @@ struct Ordinals {
     std::int32_t hyperlink = 0;
 };
 
+using Templates = std::vector<LinkRecord>;
+
 LinkRecord new_template(PptRecord& container, const Ordinals& at) {
     LinkRecord record;
     record.object_list_ordinal = at.object;
@@ -28,7 +34,7 @@ LinkRecord new_template(PptRecord& container, const Ordinals& at) {
 
 // [MS-PPT] ExHyperlinkContainer. A template is added even when there is no target: the document
 // properties may hold one.
-void v_addHyperlinkObject(PptRecord& container, const Ordinals& at) {
+void v_addHyperlinkObject(PptRecord& container, const Ordinals& at, Templates& found) {
     LinkRecord record = new_template(container, at);
     while (PptRecord* child = container.ps_nextChild()) {
         if (child->is(RT_CString) && child->header.instance() == kTargetInstance) {
@@ -40,12 +46,12 @@ void v_addHyperlinkObject(PptRecord& container, const Ordinals& at) {
     }
     record.record_type = RT_ExternalHyperlink;
     record.hyperlink_ordinal = at.hyperlink;
-    v_addExternalObject(&record);
+    found.push_back(std::move(record));
 }
 
 // [MS-PPT] ExVideoContainer, ExMIDIAudioContainer, ExWAVAudioLinkContainer. A path of another
 // instance, or an empty one, is no link.
-void v_addMediaObject(PptRecord& container, const Ordinals& at) {
+void v_addMediaObject(PptRecord& container, const Ordinals& at, Templates& found) {
     LinkRecord record = new_template(container, at);
     record.record_type = container.header.type;
     record.external_object_id = required_child(container, RT_ExternalMediaAtom).u32_at(0);
@@ -56,62 +62,106 @@ void v_addMediaObject(PptRecord& container, const Ordinals& at) {
     }
     container.v_skipChild(path);
     if (!record.file_name.empty()) {
-        v_addExternalObject(&record);
+        found.push_back(std::move(record));
     }
     container.v_skipRest();
 }
 
-void add_videos_of_list(PptRecord& container, const Ordinals& at) {
+void add_videos_of_list(PptRecord& container, const Ordinals& at, Templates& found) {
     while (PptRecord* child = container.ps_nextChild()) {
         if (child->is(RT_ExternalVideo)) {
-            v_addMediaObject(*child, at);
+            v_addMediaObject(*child, at, found);
         } else {
             container.v_skipChild(*child);
         }
     }
 }
 
-void add_movie(PptRecord& container, const Ordinals& at) {
-    v_addMediaObject(required_child(container, RT_ExternalVideo), at);
+void add_movie(PptRecord& container, const Ordinals& at, Templates& found) {
+    v_addMediaObject(required_child(container, RT_ExternalVideo), at, found);
     container.v_skipRest();
 }
 
 // [MS-PPT] ExOleLinkContainer, ExControlContainer.
-void v_walkOleObjects(PptRecord& container, OleObjects& ole_objects, const Ordinals& at) {
+void v_walkOleObjects(PptRecord& container, OleObjects& ole_objects, const Ordinals& at,
+                      Templates& found) {
     while (PptRecord* child = container.ps_nextChild()) {
         if (child->is(RT_ExternalOleObjectAtom)) {
-            ole_objects.v_addOleLinkObject(*child, at.object);
+            ole_objects.v_addOleLinkObject(*child, at.object, found);
         }
         container.v_skipChild(*child);
     }
 }
 
-void add_object(PptRecord& list, PptRecord& object, OleObjects& ole_objects, Ordinals& at) {
+void read_object(PptRecord& list, PptRecord& object, OleObjects& ole_objects, const Ordinals& at,
+                 Templates& found) {
     switch (object.header.type) {
     case RT_ExternalOleLink:
     case RT_ExternalOleControl:
-        v_walkOleObjects(object, ole_objects, at);
+        v_walkOleObjects(object, ole_objects, at, found);
         break;
     case RT_ExternalHyperlink:
-        v_addHyperlinkObject(object, at);
-        ++at.hyperlink;
+        v_addHyperlinkObject(object, at, found);
         break;
     case RT_ExternalVideoList:
-        add_videos_of_list(object, at);
+        add_videos_of_list(object, at, found);
         break;
     case RT_ExternalAviMovie:
     case RT_ExternalMciMovie:
-        add_movie(object, at);
+        add_movie(object, at, found);
         break;
     case RT_ExternalMidiAudio:
     case RT_ExternalWavAudioLink:
-        v_addMediaObject(object, at);
+        v_addMediaObject(object, at, found);
         break;
     default:
         list.v_skipChild(object);
         break;
     }
-    ++at.object;
+}
+
+UnreadKind kind_of(const PptRecord* object) {
+    switch (object == nullptr ? 0 : object->header.type) {
+    case RT_ExternalOleLink:
+    case RT_ExternalOleControl:
+        return UnreadKind::ole;
+    case RT_ExternalHyperlink:
+        return UnreadKind::hyperlink;
+    case RT_ExternalVideoList:
+    case RT_ExternalAviMovie:
+    case RT_ExternalMciMovie:
+        return UnreadKind::movie;
+    case RT_ExternalMidiAudio:
+        return UnreadKind::midi;
+    case RT_ExternalWavAudioLink:
+        return UnreadKind::sound;
+    default:
+        return UnreadKind::object;
+    }
+}
+
+void walk_objects(PptRecord& list) {
+    Ordinals at;
+    OleObjects ole_objects;
+    Templates found; // in one object, which counts only when all of it could be read
+    const auto pass = [&](const PptRecord* object) {
+        found.clear();
+        ++at.object;
+        at.hyperlink += object != nullptr && object->is(RT_ExternalHyperlink) ? 1 : 0;
+    };
+    const auto read = [&](PptRecord& object) {
+        read_object(list, object, ole_objects, at, found);
+        for (LinkRecord& record : found) {
+            v_addExternalObject(&record);
+        }
+        pass(&object);
+    };
+    const auto leave_out = [&](const PptRecord* object, std::int32_t status) {
+        pass(object);
+        state().unread.add({status, kind_of(object), at.object});
+    };
+    while (b_readNextChild(list, read, leave_out)) {
+    }
 }
 
 } // namespace
@@ -121,11 +171,7 @@ std::int32_t j_walkExternalObjects(PptRecord* list) {
         throw static_cast<int>(status::kNullArgument);
     }
     return status_or(status::kDamaged, [list] {
-        Ordinals at;
-        OleObjects ole_objects;
-        while (PptRecord* object = list->ps_nextChild()) {
-            add_object(*list, *object, ole_objects, at);
-        }
+        walk_objects(*list);
         return status::kSuccess;
     });
 }

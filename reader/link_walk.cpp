@@ -9,9 +9,10 @@
 #include "plugin/status.h"
 #include "reader/drawing_walk.h"
 #include "reader/external_objects.h"
+#include "reader/keep_going.h"
 #include "reader/record.h"
 
-#include <new>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -26,6 +27,11 @@ constexpr std::uint16_t kNotesInstance = static_cast<std::uint16_t>(PageKind::no
 // Pages do not overlap, so walking them all is one pass over the stream. Room is left for ids
 // without an object, which lead to what stands at offset 0.
 constexpr std::uint64_t kMostPasses = 16;
+
+UnreadKind kind_of(const Page& page) {
+    constexpr UnreadKind kKinds[] = {UnreadKind::slide, UnreadKind::master, UnreadKind::notes};
+    return kKinds[static_cast<std::size_t>(page.kind)];
+}
 
 class DocumentWalk {
   public:
@@ -46,9 +52,22 @@ class DocumentWalk {
         std::vector<std::string> entries;
     };
 
+    // What one page changes, to be taken back when the page is left out.
+    struct Mark {
+        std::size_t links;
+        std::size_t tags;
+        id64 target_file_id;
+        bool ids_in_document;
+    };
+
     void walk_slide_list(PptRecord& list);
+    void read_list_child(PptRecord& list, PptRecord& child);
     void begin_page(std::uint16_t instance);
-    void v_walkSlide(std::uint16_t instance, std::uint32_t persist_id);
+    Mark mark() const;
+    void leave_out(const Mark& mark, std::int32_t status);
+    void v_walkSlide(std::uint16_t instance, const PptRecord& atom);
+    void seek_page(std::uint32_t persist_id);
+    void require_few_passes() const;
     void walk_page_children(PptRecord& page, std::uint32_t persist_id, bool is_first_slide);
     void walk_drawing(PptRecord& drawing, std::uint32_t persist_id);
     void read_name_tag(const PptRecord& name, std::uint32_t persist_id);
@@ -60,8 +79,9 @@ class DocumentWalk {
     std::int32_t running_index_ = -1;
     std::array<std::int32_t, 3> pages_of_kind_{};
     bool first_slide_walked_ = false;
-    std::uint64_t page_bytes_ = 0;  // of all pages walked
-    std::uint32_t shape_count_ = 0; // that the drawing of the current page claims
+    std::optional<std::uint32_t> page_offset_; // of the page that is being walked
+    std::uint64_t page_bytes_ = 0;             // of all pages walked
+    std::uint32_t shape_count_ = 0;            // that the drawing of the current page claims
     std::vector<PageTags> tags_;
 };
 
@@ -97,24 +117,32 @@ void DocumentWalk::walk_slide_list(PptRecord& list) {
     // Without links only the first slide matters, for the presentation's own id in its name.
     const bool wanted =
         links_wanted_ || (instance == kSlideInstance && target_id_wanted_ && !first_slide_walked_);
-    while (PptRecord* child = wanted ? list.ps_nextChild() : nullptr) {
-        if (child->is(RT_SlidePersistAtom)) {
-            begin_page(instance);
-            v_walkSlide(instance, child->u32_at(0));
-            if (!links_wanted_) {
-                break;
-            }
-        } else if (child->is(RT_InteractiveInfo) && links_wanted_) {
-            DrawingCounters counters;
-            counters.group = 0;
-            ps_addInteractiveLink(*child, running_index_, counters);
-        } else {
-            list.v_skipChild(*child);
-        }
+    const auto read = [&](PptRecord& child) { read_list_child(list, child); };
+    for (bool goes_on = wanted; goes_on;) {
+        const Mark before = mark();
+        const auto left_out = [&](const PptRecord*, std::int32_t status) {
+            leave_out(before, status);
+        };
+        goes_on = b_readNextChild(list, read, left_out) && (links_wanted_ || !first_slide_walked_);
     }
     list.v_skipRest();
     if (instance <= kNotesInstance) {
         presentation_.slide_list_indexes[instance] = running_index_;
+    }
+}
+
+void DocumentWalk::read_list_child(PptRecord& list, PptRecord& child) {
+    const std::uint16_t instance = list.header.instance();
+    page_offset_.reset();
+    if (child.is(RT_SlidePersistAtom)) {
+        begin_page(instance);
+        v_walkSlide(instance, child);
+    } else if (child.is(RT_InteractiveInfo) && links_wanted_) {
+        DrawingCounters counters;
+        counters.group = 0;
+        ps_addInteractiveLink(child, running_index_, counters);
+    } else {
+        list.v_skipChild(child);
     }
 }
 
@@ -128,21 +156,58 @@ void DocumentWalk::begin_page(std::uint16_t instance) {
     presentation_.pages.push_back(page);
 }
 
-// The page's record stands elsewhere in the stream; the slide list is read on from where it was.
-void DocumentWalk::v_walkSlide(std::uint16_t instance, std::uint32_t persist_id) {
-    const bool is_first_slide = instance == kSlideInstance && !first_slide_walked_;
-    first_slide_walked_ = first_slide_walked_ || is_first_slide;
-    const std::uint32_t list_position = presentation_.n_tellDocument();
-    PersistDirectory& directory = presentation_.persist_directory();
-    directory.v_noteObjectAtStart(persist_id);
-    presentation_.v_seekDocument(directory.n_objectOffset(persist_id));
-    PptRecord page(&presentation_);
-    page.v_readRecord();
-    page_bytes_ += page.header.length;
+DocumentWalk::Mark DocumentWalk::mark() const {
+    const PluginState& plugin = state();
+    return {plugin.links.links().size(), tags_.size(), plugin.target_file_id,
+            plugin.ids_in_document};
+}
+
+// The page keeps its number; nothing of it is in the tables, and the rewrite leaves it as it is.
+void DocumentWalk::leave_out(const Mark& mark, std::int32_t status) {
+    require_few_passes();
+    PluginState& plugin = state();
+    plugin.links.cut_links(mark.links);
+    tags_.resize(mark.tags);
+    plugin.target_file_id = mark.target_file_id;
+    plugin.ids_in_document = mark.ids_in_document;
+    const Page page = presentation_.pages.empty() ? Page() : presentation_.pages.back();
+    plugin.unread.add({status, kind_of(page), page.number});
+    if (page_offset_) {
+        presentation_.unread_objects.insert(*page_offset_);
+    }
+}
+
+void DocumentWalk::require_few_passes() const {
     const bool pages_overlap = page_bytes_ > kMostPasses * presentation_.document_size();
     if (pages_overlap) {
         throw static_cast<int>(status::kDamaged);
     }
+}
+
+// An id that no directory lists leads to what stands at offset 0, unless such a page is left out.
+void DocumentWalk::seek_page(std::uint32_t persist_id) {
+    PersistDirectory& directory = presentation_.persist_directory();
+    directory.v_noteObjectAtStart(persist_id);
+    const bool leave_out = state().keeps_going() && !directory.is_listed(persist_id);
+    const std::uint32_t offset = leave_out ? kNoOffset : directory.n_objectOffset(persist_id);
+    presentation_.v_seekDocument(offset);
+    page_offset_ = offset;
+}
+
+// The page's record stands elsewhere in the stream; the slide list is read on from where it was.
+void DocumentWalk::v_walkSlide(std::uint16_t instance, const PptRecord& atom) {
+    const bool is_first_slide = instance == kSlideInstance && !first_slide_walked_;
+    first_slide_walked_ = first_slide_walked_ || is_first_slide;
+    const std::uint32_t persist_id = atom.u32_at(0);
+    const std::uint32_t list_position = presentation_.n_tellDocument();
+    seek_page(persist_id);
+    PptRecord page(&presentation_);
+    page.v_readRecord();
+    if (page.header.is_container()) {
+        presentation_.v_requireDocumentBytes(page.header.length);
+    }
+    page_bytes_ += page.header.length;
+    require_few_passes();
     if (page.header.length != 0) {
         walk_page_children(page, persist_id, is_first_slide);
     }

@@ -3,11 +3,14 @@
 #include "common_new/SafeFunc/paths.h"
 #include "common_new/common/storage.h"
 #include "plugin/document_path.h"
-#include "plugin/link_table.h"
+#include "plugin/failure.h"
+#include "plugin/state.h"
 #include "plugin/status.h"
 #include "reader/object_storage.h"
 #include "reader/ole_link_path.h"
 #include "reader/presentation.h"
+
+#include <utility>
 
 namespace ppt {
 
@@ -40,7 +43,8 @@ std::string link_path(const PptRecord& storage_record) {
 
 } // namespace
 
-void OleObjects::v_addOleLinkObject(const PptRecord& atom, std::int32_t ordinal) {
+void OleObjects::v_addOleLinkObject(const PptRecord& atom, std::int32_t ordinal,
+                                    std::vector<LinkRecord>& found) {
     if (atom.u32_at(kTypeOffset) != kLinkedObject) {
         return;
     }
@@ -55,26 +59,45 @@ void OleObjects::v_addOleLinkObject(const PptRecord& atom, std::int32_t ordinal)
     record.stream_position = list_position;
     record.external_object_id = atom.u32_at(kIdOffset);
     record.object_list_ordinal = ordinal;
-    v_addExternalObject(&record);
+    found.push_back(std::move(record));
     presentation.v_seekDocument(list_position);
 }
 
 const LinkPath& OleObjects::path_at(std::uint32_t offset, PptPresentation& presentation) {
-    if (const auto known = paths_.find(offset); known != paths_.end()) {
-        return known->second;
+    const auto [known, is_new] = sources_.try_emplace(offset);
+    Source& source = known->second;
+    if (is_new) {
+        source.status = status_or(status::kDamaged, [&] {
+            source.path = read_path(offset, presentation);
+            return status::kSuccess;
+        });
+        if (source.status != status::kSuccess) {
+            presentation.unread_objects.insert(offset);
+        }
+    }
+    require_success(source.status);
+    return source.path;
+}
+
+std::string OleObjects::read_path(std::uint32_t offset, PptPresentation& presentation) {
+    const auto storages_overlap = [&] { return bytes_read_ > presentation.document_size(); };
+    if (storages_overlap()) {
+        throw static_cast<int>(status::kDamaged);
     }
     presentation.v_seekDocument(offset);
     PptRecord storage_record(&presentation);
     storage_record.v_readRecord();
-    if (!storage_record.is(RT_ExternalOleObjectStg)) {
-        throw static_cast<int>(status::kDamaged);
-    }
     bytes_read_ += storage_record.body.size();
-    const bool storages_overlap = bytes_read_ > presentation.document_size();
-    if (storages_overlap) {
+    if (!storage_record.is(RT_ExternalOleObjectStg) || storages_overlap()) {
         throw static_cast<int>(status::kDamaged);
     }
-    return paths_.emplace(offset, link_path(storage_record)).first->second;
+    try {
+        return link_path(storage_record);
+    } catch (int failure) {
+        // The storage is in memory: its end was read, not a failing device.
+        const bool is_cut = state().keeps_going() && failure == status::kReadFault;
+        throw is_cut ? static_cast<int>(status::kDamaged) : failure;
+    }
 }
 
 } // namespace ppt

@@ -15,6 +15,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 namespace ppt {
@@ -81,7 +82,8 @@ class PptPresentation {
     // Filled by the link walk.
     std::array<std::int32_t, 3> slide_list_indexes{}; // by list instance: last running index
     std::uint32_t tag_slide_persist_id = 0;
-    std::vector<Page> pages; // index: running slide index
+    std::vector<Page> pages;                          // index: running slide index
+    std::unordered_set<std::uint32_t> unread_objects; // offsets of pages and storages left out
 
   private:
     void read_current_user();

@@ -1,6 +1,7 @@
 #include "rewriter/document_rewriter.h"
 
 #include "plugin/link_table.h"
+#include "plugin/state.h"
 #include "plugin/status.h"
 
 namespace ppt {
@@ -89,11 +90,27 @@ std::int32_t rewrite_object(PptRecord& object, const LinkRecord& link, RewriteCo
     }
 }
 
+// The next object of the list. With the letter "k" what the load could not read as objects is
+// written as it is, up to the end of the list.
+PptRecord* next_object(RewriteCopy& copy, PptRecord& list) {
+    try {
+        return list.ps_nextChild();
+    } catch (int) {
+        if (!state().keeps_going()) {
+            throw;
+        }
+    }
+    copy.loaded.v_seekDocument(list.position + kRecordHeaderSize + list.consumed);
+    copy.writer.copy(copy.loaded, list.header.length - list.consumed);
+    copy.v_notePositions();
+    return nullptr;
+}
+
 std::int32_t n_rewriteExObjList(RewriteCopy& copy, PptRecord& list) {
     const std::uint32_t header_position = n_openContainer(copy);
     std::int32_t sum = 0;
     std::int32_t ordinal = 0;
-    while (PptRecord* object = list.ps_nextChild()) {
+    while (PptRecord* object = next_object(copy, list)) {
         if (const LinkRecord* link = ps_findChangedLinkByOrdinal(ordinal)) {
             sum += rewrite_object(*object, *link, copy);
         } else {

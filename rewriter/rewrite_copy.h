@@ -23,13 +23,22 @@ struct RewriteCopy {
         , writer(copy_presentation.ps_getDocumentStream())
         , written_links(state().links.links().size()) {}
 
-    bool has_written() const { return copy_position > 0; }
+    bool has_written() const { return written; }
 
     // Notes that the loaded stream was consumed, and the copy written, up to their current
     // positions.
     void v_notePositions() {
         copy_position = writer.tell();
         loaded_position = loaded.n_tellDocument();
+        written = true;
+    }
+
+    // Gives up what was written of the object at `loaded_offset` from `copy_offset` on: the object
+    // is brought with what follows it.
+    void v_returnTo(std::uint32_t loaded_offset, std::uint32_t copy_offset) {
+        writer.seek(copy_offset);
+        copy_position = copy_offset;
+        loaded_position = loaded_offset;
     }
 
     PptPresentation& loaded; // only read
@@ -39,7 +48,8 @@ struct RewriteCopy {
     // By table index: the links whose picture name, displayed text or OLE source was written.
     std::vector<bool> written_links;
 
-    std::uint32_t copy_position = 0;   // behind the last record written; 0: none yet
+    bool written = false;
+    std::uint32_t copy_position = 0;   // behind the last record written
     std::uint32_t loaded_position = 0; // behind the last record consumed and written
     std::uint32_t first_moved_offset =
         0; // of the first object moved by a change before it; 0: none

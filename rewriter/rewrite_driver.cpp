@@ -12,6 +12,7 @@
 #include "rewriter/slide_rewriter.h"
 
 #include <algorithm>
+#include <optional>
 #include <vector>
 
 namespace ppt {
@@ -38,7 +39,51 @@ std::int32_t n_rewritePersistObject(RewriteCopy& copy, std::uint32_t id, std::ui
     if (link != nullptr && !link->path_changed()) {
         link = ps_nextLinkOfHolder(id, true, link);
     }
-    return link != nullptr || drops_ids ? n_rewriteSlideObject(copy, old_offset, link, flags) : 0;
+    const bool left_out = copy.loaded.unread_objects.contains(old_offset);
+    const bool changes = !left_out && (link != nullptr || drops_ids);
+    return changes ? n_rewriteSlideObject(copy, old_offset, link, flags) : 0;
+}
+
+bool is_damage(int status) {
+    return status == status::kDamaged || status == status::kBadDecompression ||
+           status == status::kStorageOnMemoryFailed || status == status::kElementMissing;
+}
+
+// The links of an object that keeps its bytes are reported as not written.
+void note_not_written(RewriteCopy& copy, std::uint32_t holder) {
+    const LinkRecord* link = nullptr;
+    while ((link = ps_nextLinkOfHolder(holder, true, link)) != nullptr) {
+        copy.written_links[link->table_index] = false;
+    }
+}
+
+// The size change; none, with the letter "k", for an object that turns out to be damaged. Without
+// the document container there is no presentation.
+std::optional<std::int32_t> rewrite_unless_damaged(RewriteCopy& copy, std::uint32_t id,
+                                                   std::uint32_t old_offset, std::int32_t flags) {
+    try {
+        return n_rewritePersistObject(copy, id, old_offset, flags);
+    } catch (int failure) {
+        const bool is_document = id == copy.loaded.current_user_edit().document_persist_id;
+        if (is_document || !state().keeps_going() || !is_damage(failure)) {
+            throw;
+        }
+    }
+    return std::nullopt;
+}
+
+// An object that cannot be rewritten keeps its bytes.
+std::int32_t rewrite_or_keep(RewriteCopy& copy, std::uint32_t id, std::uint32_t old_offset,
+                             std::int32_t flags) {
+    const std::uint32_t start = copy.writer.tell();
+    const std::optional<std::int32_t> change = rewrite_unless_damaged(copy, id, old_offset, flags);
+    if (!change) {
+        if (copy.writer.tell() != start) {
+            copy.v_returnTo(old_offset, start);
+        }
+        note_not_written(copy, id);
+    }
+    return change.value_or(0);
 }
 
 // Brings what stands between the last rewritten object and the next one behind what was written.
@@ -66,6 +111,14 @@ std::uint32_t holder_among(const std::vector<std::uint32_t>& ids, std::uint32_t 
     return holder == ids.end() ? ids.front() : *holder;
 }
 
+// An entry of the persist directory that leads nowhere, or that the load could not read anything by
+// and leads into a rewritten object, stays as it is with the letter "k".
+bool leads_nowhere(const RewriteCopy& copy, std::uint32_t offset) {
+    const bool is_unread_part =
+        offset < copy.loaded_position && copy.loaded.unread_objects.contains(offset);
+    return state().keeps_going() && (is_unread_part || offset >= copy.loaded.document_size());
+}
+
 void rewrite_objects(RewriteCopy& copy, std::int32_t flags) {
     const PersistDirectory& objects = copy.loaded.persist_directory();
     PersistDirectory& moved_objects = copy.copy.persist_directory();
@@ -74,6 +127,9 @@ void rewrite_objects(RewriteCopy& copy, std::int32_t flags) {
     for (;;) {
         if (objects.n_nextObjectByOffset(offset) < 0) {
             return;
+        }
+        if (leads_nowhere(copy, offset)) {
+            continue;
         }
         const std::vector<std::uint32_t> ids = objects.ids_at(offset);
         if (copy.has_written()) {
@@ -86,7 +142,7 @@ void rewrite_objects(RewriteCopy& copy, std::int32_t flags) {
             copy.writer.seek(offset);
         }
         const std::int32_t change =
-            n_rewritePersistObject(copy, holder_among(ids, document), offset, flags);
+            rewrite_or_keep(copy, holder_among(ids, document), offset, flags);
         if (change != 0) {
             copy.shifts.add(offset, change);
         }

@@ -204,6 +204,49 @@ TEST_F(CorpusTest, EveryPathCanBecomeShorterEqualOrLonger) {
     }
 }
 
+// The movies that another program wrote without a video container inside.
+TEST_F(CorpusTest, KeepingGoingLoadsAFileWhoseMoviesAreOfAnotherForm) {
+    const std::vector<fs::path> files = files_in("made");
+    const auto file = std::find_if(files.begin(), files.end(), [](const fs::path& made) {
+        return made.filename() == "a_media_linked.ppt";
+    });
+    if (file == files.end()) {
+        GTEST_SKIP() << "no corpus of presentations with linked movies was found";
+    }
+    EXPECT_EQ(j_loadFile(file->string().c_str(), 3), 8140);
+    start("hetk");
+    load_file(*file);
+    EXPECT_EQ(n_getLinkCount(), 0);
+    std::string told = "7";
+    for (int number = 2; number <= 8; ++number) {
+        told += "|8140|movie|" + std::to_string(number);
+    }
+    EXPECT_EQ(error_params(), told);
+    ASSERT_EQ(rewrite("copy.ppt"), 0) << error_params();
+    ASSERT_EQ(load_again("copy.ppt"), 0);
+    EXPECT_EQ(error_params(), told);
+    expect_rest_unchanged(*file, "copy.ppt", false);
+}
+
+TEST_F(CorpusTest, NothingIsLeftOutOfFilesThatCanBeRead) {
+    const std::vector<fs::path> files = readable_files();
+    if (files.empty()) {
+        GTEST_SKIP() << "no corpus of real presentations was found";
+    }
+    for (const fs::path& file : files) {
+        load_file(file);
+        const Paths paths = link_paths();
+        j_unLoadFile();
+        start("hetk");
+        load_file(file);
+        EXPECT_EQ(error_params(), "0") << file;
+        EXPECT_EQ(link_paths(), paths) << file;
+        j_unLoadFile();
+        start("het");
+    }
+}
+
+// Their damage is that of the whole file: keeping going ends in the same status.
 TEST_F(CorpusTest, DamagedFilesEndInTheirStatus) {
     const std::map<std::string, std::int32_t> others = {{"user-edit-ring.ppt", 8140},
                                                         {"fuzzed-3.ppt", 8140},
@@ -215,10 +258,13 @@ TEST_F(CorpusTest, DamagedFilesEndInTheirStatus) {
     }
     for (const fs::path& file : files) {
         const auto other = others.find(file.filename().string());
-        EXPECT_EQ(j_loadFile(file.string().c_str(), 3),
-                  other == others.end() ? 6400 : other->second)
-            << file;
-        EXPECT_EQ(n_getLinkCount(), 0) << file;
+        for (const char* options : {"het", "hetk"}) {
+            start(options);
+            EXPECT_EQ(j_loadFile(file.string().c_str(), 3),
+                      other == others.end() ? 6400 : other->second)
+                << file << ' ' << options;
+            EXPECT_EQ(n_getLinkCount(), 0) << file;
+        }
     }
 }
 

@@ -79,6 +79,8 @@ TEST_F(ListRun, JsonHasOneObjectForEachFileAlsoForThoseThatFail) {
     EXPECT_EQ(files[0]["links"][4]["text"], "\x1B[2J here");
     EXPECT_EQ(files[1], (Json{{"file", "missing.ppt"},
                               {"status", 7510},
+                              {"unread", 0},
+                              {"unread_objects", Json::array()},
                               {"target_file_id", nullptr},
                               {"links", Json::array()}}));
     EXPECT_EQ(files[2]["links"].size(), 0U);
