@@ -23,7 +23,7 @@ enum class UnreadKind {
     movie,
     midi,
     sound,
-    object, // of another kind, or its kind could not be read
+    object,    // of another kind, or its kind could not be read
     properties // the document properties; the number is 0
 };
 

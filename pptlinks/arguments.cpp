@@ -226,9 +226,11 @@ Command parse_arguments(int argc, const char* const* argv) {
         take_apart(raw, relink);
     } catch (const CLI::ParseError& error) {
         std::ostringstream out;
-        std::ostringstream problem;
-        const int status = app.exit(error, out, problem);
-        return PrintAndExit{status == 0 ? 0 : kExitWrongUsage, out.str(), problem.str()};
+        std::ostringstream problem; // has lines of its own among those of the arguments
+        if (app.exit(error, out, problem) == 0) {
+            return PrintAndExit{0, out.str(), {}};
+        }
+        return PrintAndExit{kExitWrongUsage, {}, error.what()};
     }
     if (list_command->parsed()) {
         return list;

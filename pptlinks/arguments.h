@@ -44,7 +44,8 @@ struct RelinkArguments {
     bool trust_targets = false;
 };
 
-// Nothing to do but to print: help or version (status 0), or what is wrong with the arguments.
+// Nothing to do but to print: help or version (status 0), or what is wrong with the arguments,
+// which may quote them.
 struct PrintAndExit {
     int status = 0;
     std::string out;

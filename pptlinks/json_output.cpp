@@ -1,8 +1,11 @@
 #include "pptlinks/json_output.h"
 
+#include "pptlinks/terminal_text.h"
 #include "pptlinks/text_encoding.h"
 
 #include <nlohmann/json.hpp>
+
+#include <cstdio>
 
 namespace pptlinks {
 
@@ -10,8 +13,30 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+// The JSON text with escapes for what a terminal would act upon; those below U+0020 have theirs.
+std::string escaped(const std::string& json) {
+    const WideString text = wide_from_utf8(json);
+    std::string out;
+    out.reserve(json.size());
+    for (std::size_t position = 0; position < text.size();) {
+        const std::size_t start = position;
+        const std::uint32_t code = take_character(text, position);
+        const WideView units = WideView(text).substr(start, position - start);
+        if (is_printable(code)) {
+            out += utf8_from_wide(units);
+            continue;
+        }
+        for (const WCHAR unit : units) {
+            char escape[8];
+            std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(unit));
+            out += escape;
+        }
+    }
+    return out;
+}
+
 std::string dump(const Json& value) {
-    return value.dump(-1, ' ', false, Json::error_handler_t::replace);
+    return escaped(value.dump(-1, ' ', false, Json::error_handler_t::replace));
 }
 
 std::string utf8(const std::string& ansi) {

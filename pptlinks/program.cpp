@@ -28,8 +28,8 @@ int run(const RelinkArguments& arguments) {
 int run(const PrintAndExit& result) {
     print(result.out);
     if (!result.error.empty()) {
-        complain("pptlinks: " + terminal_lines_from_utf8(result.error.substr(
-                                    0, result.error.find_last_not_of('\n') + 1)));
+        complain("pptlinks: " + terminal_text_from_utf8(result.error) +
+                 "\nRun with --help for more information.");
     }
     return result.status;
 }

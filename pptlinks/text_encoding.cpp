@@ -74,17 +74,20 @@ WideString wide_from_utf8(std::string_view text) {
 std::string utf8_from_wide(WideView text) {
     std::string utf8;
     utf8.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        std::uint32_t code = text[i];
-        if (is_lead(text[i]) && i + 1 < text.size() && is_trail(text[i + 1])) {
-            code = 0x10000 + ((code - 0xD800) << 10) + (text[i + 1] - 0xDC00u);
-            ++i;
-        } else if (is_lead(text[i]) || is_trail(text[i])) {
-            code = kReplacement;
-        }
-        append_utf8(utf8, code);
+    for (std::size_t position = 0; position < text.size();) {
+        const std::uint32_t code = take_character(text, position);
+        const bool is_half = code >= 0xD800 && code < 0xE000;
+        append_utf8(utf8, is_half ? kReplacement : code);
     }
     return utf8;
+}
+
+std::uint32_t take_character(WideView text, std::size_t& position) {
+    const std::uint32_t unit = text[position++];
+    if (!is_lead(text[position - 1]) || position == text.size() || !is_trail(text[position])) {
+        return unit;
+    }
+    return 0x10000 + ((unit - 0xD800) << 10) + (text[position++] - 0xDC00u);
 }
 
 std::optional<std::string> ansi_from_utf8(std::string_view text) {

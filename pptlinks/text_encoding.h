@@ -4,6 +4,8 @@
 
 #include "pptlinks/failure.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,6 +18,10 @@ WideString wide_from_utf8(std::string_view text);
 
 // Always valid UTF-8: half of a surrogate pair becomes U+FFFD.
 std::string utf8_from_wide(WideView text);
+
+// The code point that starts at `position`, which moves behind it; half of a surrogate pair stands
+// for itself.
+std::uint32_t take_character(WideView text, std::size_t& position);
 
 // None when the ANSI code page has no form of some character.
 std::optional<std::string> ansi_from_utf8(std::string_view text);

@@ -54,9 +54,9 @@ Unread unread_from(const std::vector<WideString>& parameters) {
 
 void complain_of(const Unread& unread, const std::string& file) {
     for (const UnreadObject& object : unread.objects) {
-        complain(sentence(FileFailure(file, name_of(object) + " could not be read: " +
-                                                problem_of({object.status, {}}) + " (status " +
-                                                std::to_string(object.status) + ')')));
+        complain(sentence(FileFailure(
+            file, name_of(object) + " could not be read: " + problem_of({object.status, {}}) +
+                      " (status " + std::to_string(object.status) + ')')));
     }
     if (unread.count > unread.objects.size()) {
         complain(sentence(FileFailure(file, std::to_string(unread.count - unread.objects.size()) +

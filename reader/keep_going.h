@@ -1,6 +1,6 @@
-// The walk over the children of a list in which one that cannot be read need not cost the rest: with
-// the letter "k" among the options it is left out and the walk goes on behind it. Without the letter
-// its failure is thrown, as everywhere.
+// The walk over the children of a list in which one that cannot be read need not cost the rest:
+// with the letter "k" among the options it is left out and the walk goes on behind it. Without the
+// letter its failure is thrown, as everywhere.
 #pragma once
 
 #include "plugin/failure.h"
@@ -18,9 +18,9 @@ bool b_mayLeaveOut(std::int32_t status);
 // ends before.
 bool b_resumeBehind(PptRecord& list, const PptRecord* child);
 
-// Reads the next child of `list` and hands it to `read`, which consumes it. A failure that may leave
-// the child out calls `leave_out` with the child, null when it could not even be read, and the
-// status; then nothing behind it is read. False when there is no further child.
+// Reads the next child of `list` and hands it to `read`, which consumes it. A failure that may
+// leave the child out calls `leave_out` with the child, null when it could not even be read, and
+// the status; then nothing behind it is read. False when there is no further child.
 template <class Read, class LeaveOut>
 bool b_readNextChild(PptRecord& list, Read read, LeaveOut leave_out) {
     PptRecord* child = nullptr;

@@ -85,18 +85,15 @@ const UnreadableObject kUnreadableObjects[] = {
      },
      status::kDamaged, "movie"},
     {"sound without a path",
-     [](Deck& deck) {
-         deck.external_object(media_without_path(type::kExternalWavAudioLink));
-     },
+     [](Deck& deck) { deck.external_object(media_without_path(type::kExternalWavAudioLink)); },
      status::kDamaged, "sound"},
     {"midi without a path",
      [](Deck& deck) { deck.external_object(media_without_path(type::kExternalMidiAudio)); },
      status::kDamaged, "midi"},
     {"hyperlink whose atom is cut",
      [](Deck& deck) {
-         deck.external_object(
-             container(0, type::kExternalHyperlink,
-                       {atom(0, type::kExternalHyperlinkAtom, Bytes(3))}));
+         deck.external_object(container(0, type::kExternalHyperlink,
+                                        {atom(0, type::kExternalHyperlinkAtom, Bytes(3))}));
      },
      status::kDamaged, "hyperlink"},
     {"storage with another zlib header",
@@ -152,8 +149,7 @@ TEST_F(KeepGoingTest, AnExternalObjectIsLeftOutAndCopiedAsItIs) {
         Deck after = deck(u"D:\\a longer song.mid", u"b:");
         EXPECT_EQ(load_strictly(before), object.status);
         // The list's own atom is its first child.
-        expect_left_out(before,
-                        "1|" + std::to_string(object.status) + "|" + object.kind + "|4",
+        expect_left_out(before, "1|" + std::to_string(object.status) + "|" + object.kind + "|4",
                         {"http://a/", "C:\\song.mid"});
         relink_loaded({{0, u"b:"}, {1, u"D:\\a longer song.mid"}});
         EXPECT_EQ(difference(StoredFile(path("out.ppt")).document(), after.document_stream()), "");
@@ -192,8 +188,7 @@ TEST_F(KeepGoingTest, APageIsLeftOutWithAllItsLinks) {
     Deck before = deck(u"C:\\map.wmf");
     Deck after = deck(u"D:\\maps\\map.wmf");
     EXPECT_EQ(load_strictly(before), status::kDamaged);
-    expect_left_out(before,
-                    "4|8140|master|1|8140|slide|2|5650|slide|4|8140|slide|5",
+    expect_left_out(before, "4|8140|master|1|8140|slide|2|5650|slide|4|8140|slide|5",
                     {"C:\\map.wmf", "C:\\map.wmf", "http://a/"});
     EXPECT_EQ(link(1).slide_index, 3) << "pages keep their numbers";
     expect_relinked(before, {{0, u"D:\\maps\\map.wmf"}, {1, u"D:\\maps\\map.wmf"}}, after);
@@ -329,10 +324,8 @@ TEST_F(KeepGoingTest, AnObjectWhoseStorageCanOnlyBeReadIsReportedAsNotWritten) {
 TEST_F(KeepGoingTest, DocumentPropertiesThatCannotBeReadAreCopied) {
     Deck deck;
     deck.add_slide().shape(Shape().link(deck.hyperlink(u"http://a/")));
-    deck.properties(PropertyStream()
-                        .text(u"MORVANE-LINK-ID", u"5")
-                        .text(u"_PID_HLINKS", u"no list")
-                        .build());
+    deck.properties(
+        PropertyStream().text(u"MORVANE-LINK-ID", u"5").text(u"_PID_HLINKS", u"no list").build());
     EXPECT_EQ(load_strictly(deck), status::kPropertiesFailed);
     expect_left_out(deck, "1|7280|properties|0", {"http://a/"});
     relink_loaded({{0, u"http://b/"}});

@@ -26,12 +26,15 @@ TEST(TerminalText, ShowsWhatWouldActOnTheTerminal) {
         {u"\xD83D\xDE00 \u00E9\u4E2D", "\U0001F600 \u00E9\u4E2D"},
         {u"\xD83Dx\xDC00", "<U+D83D>x<U+DC00>"},
         {u"\xDB40\xDC41", "<U+E0041>"},
+        {u"a\u200Db\uFE0F \u200C", "a<U+200D>b<U+FE0F> <U+200C>"},
+        {u"\u0646\u200C\u0645 \u2764\uFE0F\u200D", "\u0646\u200C\u0645 \u2764\uFE0F<U+200D>"},
+        {u"\u3164\u115F\uFFA0\uFDD0\xD83F\xDFFE", "<U+3164><U+115F><U+FFA0><U+FDD0><U+1FFFE>"},
     };
     for (const auto& [text, shown] : cases) {
         EXPECT_EQ(terminal_text(text), shown);
     }
     EXPECT_EQ(terminal_text_from_utf8("a\xFF\xC3"), "a\uFFFD\uFFFD");
-    EXPECT_EQ(terminal_lines_from_utf8("one\n\x1Btwo\n"), "one\n\\x1Btwo\n");
+    EXPECT_EQ(terminal_text_from_utf8("one\ntwo"), "one\\x0Atwo");
 }
 
 TEST(TextTable, ColumnsLineUpByWhatIsSeen) {

@@ -22,7 +22,8 @@ class UnreadRun : public ProgramRun {
     }
 
     static constexpr const char* kComplaints =
-        "pptlinks: talk.ppt: external object 3 (movie) could not be read: it is damaged or built in "
+        "pptlinks: talk.ppt: external object 3 (movie) could not be read: it is damaged or built "
+        "in "
         "a way that is not understood (status 8140).\n"
         "pptlinks: talk.ppt: slide 2 could not be read: a place in it cannot be reached, so it is "
         "probably damaged (status 5650).\n";
@@ -74,8 +75,8 @@ TEST_F(UnreadRun, ManyAreCountedAndTheFirstNamed) {
 
 TEST_F(UnreadRun, RelinkWritesTheCopyAndSaysWhatItDoesNotKnow) {
     write_deck("talk.ppt");
-    const RunResult result = run({"relink", "talk.ppt", "-o", "new.ppt", "--map",
-                                  "http://example.org=http://example.net"});
+    const RunResult result = run(
+        {"relink", "talk.ppt", "-o", "new.ppt", "--map", "http://example.org=http://example.net"});
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.error, kComplaints);
     EXPECT_EQ(result.out, "0: http://example.org/ -> http://example.net/\n"
@@ -86,7 +87,8 @@ TEST_F(UnreadRun, RelinkWritesTheCopyAndSaysWhatItDoesNotKnow) {
 TEST_F(UnreadRun, StrictFailsOnTheFirst) {
     write_deck("talk.ppt");
     const std::string sentence =
-        "pptlinks: talk.ppt: it is damaged or built in a way that is not understood; open it in the "
+        "pptlinks: talk.ppt: it is damaged or built in a way that is not understood; open it in "
+        "the "
         "program that made it, save it again and try once more (status 8140).\n";
     for (const char* command : {"list", "check"}) {
         const RunResult result = run({command, "--strict", "talk.ppt"});
