@@ -56,8 +56,7 @@ std::int32_t StoredText::shown_end(std::int32_t start, std::int32_t end) const {
          size = ansi(start, end).size()) {
         end -= static_cast<std::int32_t>(std::max<std::size_t>(1, (size - kLongestShown) / 3));
     }
-    const bool halves_a_character =
-        end > start && end < length() && is_low_surrogate(unit(end));
+    const bool halves_a_character = end > start && end < length() && is_low_surrogate(unit(end));
     return halves_a_character ? end - 1 : end;
 }
 
