@@ -15,14 +15,15 @@ namespace ppt {
 
 // Gives the records of the link table their ids and empty hyperlinks their targets (bit 0 of
 // `flags`: ids of links; bit 1: the presentation's own id). A missing stream or section is no
-// failure; any other is 7280, or 8140 where no status code stands behind it. Cost: O(n log n) in
+// failure; missing memory is 8800 or 9000; any other is 7280, or 8140 where no status code stands
+// behind it. Cost: O(n log n) in
 // properties and links.
 std::int32_t j_readLinkIdsFromProperties(IStorage* root, std::int32_t flags);
 
 // Stores ids and targets in the copy whose root storage is given, by the same bits; creates the
 // stream and the section where they are missing. A failure after the section was opened ends the
 // step that it befell and is not undone; the result is then that of the section's commit. Throws,
-// as an `int`, when the name of the copy cannot be had.
+// as an `int`, when the name of the copy cannot be had or memory runs out.
 std::int32_t j_writeLinkIdsToProperties(IStorage* root, std::int32_t flags);
 
 } // namespace ppt

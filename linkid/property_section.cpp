@@ -69,7 +69,14 @@ void PropertySection::open_for_writing(IStorage* root) {
             kStreamName, STGM_READWRITE | STGM_SHARE_EXCLUSIVE, 0, 0, stream_.put()));
     }
     require_success(status);
-    if (FAILED(StgOpenPropStg(stream_.get(), FMTID_UserDefinedProperties, 0, 0, section_.put()))) {
+    const HRESULT opened =
+        StgOpenPropStg(stream_.get(), FMTID_UserDefinedProperties, 0, 0, section_.put());
+    if (FAILED(opened)) {
+        // What could not be read for another reason than its own is no section to be replaced.
+        if (opened == STG_E_READFAULT) {
+            throw_com_failure(opened);
+        }
+        require_memory_of(opened);
         throw_com_failure(StgCreatePropStg(stream_.get(), FMTID_UserDefinedProperties, nullptr, 0,
                                            0, section_.put()));
     }
@@ -82,16 +89,24 @@ void PropertySection::for_each(const std::function<bool(const Name&, PROPID)>& v
         PropertyName property;
         ULONG fetched = 0;
         const HRESULT result = properties->Next(1, &property.stat, &fetched);
-        if (result == S_FALSE || fetched == 0) {
+        if (result != S_FALSE) {
+            throw_com_failure(result);
+        }
+        if (fetched == 0) {
             return;
         }
-        throw_com_failure(result);
-        std::array<char, kNameSize> name{};
-        const bool readable =
-            property.stat.lpwstrName != nullptr &&
-            j_wideToAnsi(property.stat.lpwstrName, -1, name.data(),
-                         static_cast<std::int32_t>(name.size())) == status::kSuccess;
-        if (readable && !visit({property.stat.lpwstrName, name.data()}, property.stat.propid)) {
+        if (property.stat.lpwstrName == nullptr) {
+            continue;
+        }
+        std::array<char, kNameSize> ansi{};
+        const std::int32_t status = j_wideToAnsi(property.stat.lpwstrName, -1, ansi.data(),
+                                                 static_cast<std::int32_t>(ansi.size()));
+        if (status != status::kSuccess) {
+            require_memory(status);
+            continue;
+        }
+        const Name name{property.stat.lpwstrName, ansi.data()};
+        if (!visit(name, property.stat.propid)) {
             return;
         }
     }

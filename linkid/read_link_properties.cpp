@@ -9,6 +9,7 @@
 #include "linkid/stored_path.h"
 #include "plugin/document_path.h"
 #include "plugin/error_params.h"
+#include "plugin/failure.h"
 #include "plugin/state.h"
 #include "plugin/status.h"
 #include "plugin/trace_log.h"
@@ -170,7 +171,10 @@ std::int32_t j_readLinkIdsFromProperties(IStorage* root, std::int32_t flags) {
             PropertyReader(section, flags).read_all();
         }
         return status::kSuccess;
-    } catch (int) {
+    } catch (int failure) {
+        if (is_out_of_memory(failure)) {
+            return failure;
+        }
         v_setErrorParamText(document_path());
         return status::kPropertiesFailed;
     } catch (const std::bad_alloc&) {

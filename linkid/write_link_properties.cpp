@@ -25,9 +25,11 @@ namespace {
 using WideString = std::basic_string<WCHAR>;
 constexpr PROPID kFirstNewId = 2;
 
-// The failures of the section's own calls are raised with the COM result itself.
+// The failures of the section's own calls are raised with the COM result itself, but for missing
+// memory.
 void throw_com_result(HRESULT result) {
     if (FAILED(result)) {
+        require_memory_of(result);
         throw static_cast<int>(result);
     }
 }
@@ -67,9 +69,14 @@ class NewProperties {
 
     // One name that the section does not take shall not lose the ids of all links.
     void write_to(PropertySection& section) {
-        if (specs_.empty() || SUCCEEDED(try_to_write(section))) {
+        if (specs_.empty()) {
             return;
         }
+        const HRESULT result = try_to_write(section);
+        if (SUCCEEDED(result)) {
+            return;
+        }
+        require_memory_of(result);
         for (std::size_t i = 0; i < specs_.size(); ++i) {
             if (!is_ascii(names_[i])) {
                 specs_[i].lpwstr = plain_names_[i].data();
@@ -191,7 +198,9 @@ class PropertyWriter {
     }
 
     void rename_property(const LinkRecord& link) {
-        if (FAILED(try_to_rename(link.property_id, link_property_name(link)))) {
+        const HRESULT result = try_to_rename(link.property_id, link_property_name(link));
+        if (FAILED(result)) {
+            require_memory_of(result);
             throw_com_result(try_to_rename(link.property_id, plain_property_name(link)));
         }
     }
@@ -212,13 +221,14 @@ class PropertyWriter {
     std::unordered_set<PROPID> deleted_;
 };
 
-// Runs one step; its failure ends the step alone. A status code leaves the document path as error
-// parameter.
+// Runs one step; its failure ends the step alone, unless memory ran out. A status code leaves the
+// document path as error parameter.
 template <class Step>
 void run(Step step) {
     try {
         step();
-    } catch (int) {
+    } catch (int failure) {
+        require_memory(failure);
         v_setErrorParamText(document_path());
     }
 }

@@ -12,6 +12,7 @@
 #include <array>
 #include <cstring>
 #include <new>
+#include <utility>
 
 namespace ppt {
 
@@ -128,11 +129,12 @@ std::int32_t PPT_CALL j_setLinkFileName(std::int32_t index, const char* name, st
         if (ascii_lower(link->file_name.text()) == ascii_lower(name)) {
             return status::kSuccess;
         }
-        link->add_change(kLinkPathChanged);
         if (!b_checkLength(name, static_cast<std::int32_t>(kLinkTextLimit))) {
+            link->add_change(kLinkPathChanged);
             return status::kTextTooLong;
         }
-        link->file_name = state().links.shared_path(name);
+        link->file_name = state().links.shared_path(name); // may find no memory
+        link->add_change(kLinkPathChanged);
         return status::kSuccess;
     });
 }

@@ -2,6 +2,7 @@
 // places that return statuses again every exception becomes one.
 #pragma once
 
+#include "platform/platform.h"
 #include "plugin/status.h"
 
 #include <cstdint>
@@ -13,6 +14,27 @@ namespace ppt {
 inline void require_success(std::int32_t status) {
     if (status != status::kSuccess) {
         throw static_cast<int>(status);
+    }
+}
+
+// Whether memory ran out, that of the plug-in or that of the system. Such a failure tells nothing
+// about the file: whoever makes another status of failures, or goes on in spite of them, lets this
+// one through.
+inline bool is_out_of_memory(std::int32_t status) {
+    return status == status::kOutOfMemory || status == status::kSystemOutOfMemory;
+}
+
+// Throws the status when memory ran out.
+inline void require_memory(std::int32_t status) {
+    if (is_out_of_memory(status)) {
+        throw static_cast<int>(status);
+    }
+}
+
+// The same for a COM result.
+inline void require_memory_of(HRESULT result) {
+    if (result == STG_E_INSUFFICIENTMEMORY || result == E_OUTOFMEMORY) {
+        throw static_cast<int>(status::kSystemOutOfMemory);
     }
 }
 

@@ -9,6 +9,7 @@
 #include <zlib.h>
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 namespace ppt {
@@ -26,7 +27,10 @@ constexpr std::size_t kSizePrefix = 4;
     throw static_cast<int>(status::kOutOfMemory);
 }
 
-[[noreturn]] void throw_bad_data(int zlib_result) {
+[[noreturn]] void throw_zlib_failure(int zlib_result) {
+    if (zlib_result == Z_MEM_ERROR) {
+        throw std::bad_alloc();
+    }
     v_setErrorParamTextAndNumber(document_path(), zlib_result);
     throw static_cast<int>(status::kBadDecompression);
 }
@@ -37,7 +41,7 @@ class Inflater {
         stream_.next_in = source.data();
         stream_.avail_in = static_cast<uInt>(source.size());
         if (const int result = inflateInit(&stream_); result != Z_OK) {
-            throw_bad_data(result);
+            throw_zlib_failure(result);
         }
     }
     Inflater(const Inflater&) = delete;
@@ -53,11 +57,11 @@ class Inflater {
         at_end_ = result == Z_STREAM_END;
         const bool went_on = at_end_ || result == Z_OK || result == Z_BUF_ERROR;
         if (!went_on) {
-            throw_bad_data(result == Z_NEED_DICT ? Z_DATA_ERROR : result);
+            throw_zlib_failure(result == Z_NEED_DICT ? Z_DATA_ERROR : result);
         }
         const bool is_cut_off = !at_end_ && stream_.avail_out > 0;
         if (is_cut_off) {
-            throw_bad_data(Z_DATA_ERROR);
+            throw_zlib_failure(Z_DATA_ERROR);
         }
         return out.size() - stream_.avail_out;
     }
@@ -130,7 +134,7 @@ MemoryBlock v_inflateObjectStorage(bytes::View body) {
             break;
         }
         if (room == declared) {
-            throw_bad_data(Z_BUF_ERROR);
+            throw_zlib_failure(Z_BUF_ERROR);
         }
         room = std::min(declared, 2 * room);
         block.resize(room + kRoomToGrow);

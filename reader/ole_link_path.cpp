@@ -10,6 +10,7 @@
 #include "plugin/status.h"
 
 #include <algorithm>
+#include <array>
 #include <optional>
 
 namespace ppt {
@@ -131,19 +132,23 @@ std::string display_name(IStorage* storage) {
     if (FAILED(loaded)) {
         throw static_cast<int>(j_translateComError(loaded));
     }
+    std::array<char, kLinkTextLimit + 1> ansi{};
     WCHAR* name = nullptr;
-    if (FAILED(link->GetSourceDisplayName(&name))) {
+    const HRESULT result = link->GetSourceDisplayName(&name);
+    if (FAILED(result)) {
+        require_memory_of(result);
         return {};
     }
-    std::string ansi(kLinkTextLimit + 1, '\0');
-    if (j_wideToAnsi(name, -1, ansi.data(), kLimit) != status::kSuccess) {
-        ansi.clear();
-    }
+    const std::int32_t converted = j_wideToAnsi(name, -1, ansi.data(), kLimit);
     ComPtr<IMalloc> allocator;
     if (SUCCEEDED(CoGetMalloc(MEMCTX_TASK, allocator.put()))) {
         allocator->Free(name);
     }
-    return ansi.c_str();
+    if (converted != status::kSuccess) {
+        require_memory(converted);
+        return {};
+    }
+    return ansi.data();
 }
 
 } // namespace

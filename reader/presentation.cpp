@@ -32,18 +32,21 @@ PptPresentation::PptPresentation(ComPtr<IStorage> root)
 
 void PptPresentation::read_current_user() {
     ComPtr<IStream> stream;
-    if (j_openStream(root_.get(), WIDE("Current User"), true, stream.put()) != status::kSuccess) {
-        return;
-    }
     RecordHeaderBytes header{};
     CurrentUserBytes fixed{};
-    if (j_readStream(stream.get(), header.data(), static_cast<std::int32_t>(header.size()),
-                     nullptr) != status::kSuccess) {
+    std::int32_t status = j_openStream(root_.get(), WIDE("Current User"), true, stream.put());
+    if (status == status::kSuccess) {
+        status = j_readStream(stream.get(), header.data(), static_cast<std::int32_t>(header.size()),
+                              nullptr);
+    }
+    if (status != status::kSuccess) {
+        require_memory(status);
         return;
     }
     ULONG read = 0;
     const HRESULT result = stream->Read(fixed.data(), static_cast<ULONG>(fixed.size()), &read);
     if (FAILED(result) || read < fixed.size()) {
+        require_memory_of(result);
         return;
     }
     current_user_ = decode_current_user(fixed);

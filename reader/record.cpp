@@ -93,6 +93,7 @@ std::string PptRecord::n_getAnsiString(std::size_t size) const {
     std::int32_t written = 0;
     const std::int32_t status = j_wideToAnsi(text.data(), static_cast<std::int32_t>(text.size()),
                                              ansi, static_cast<std::int32_t>(size), &written);
+    require_memory(status); // or a link would lose its path
     const bool has_room_for_terminator = static_cast<std::size_t>(written) < size;
     if (status != status::kSuccess || !has_room_for_terminator) {
         return {};

@@ -6,6 +6,7 @@
 #include "common_new/common/storage.h"
 #include "plugin/checked_allocation.h"
 #include "plugin/error_params.h"
+#include "plugin/failure.h"
 #include "plugin/link_table.h"
 #include "plugin/status.h"
 #include "reader/object_storage.h"
@@ -13,6 +14,7 @@
 
 #include <zlib.h>
 
+#include <new>
 #include <optional>
 
 namespace ppt {
@@ -61,8 +63,12 @@ std::optional<bytes::Bytes> compressed_body(bytes::View storage) {
     bytes::Bytes body;
     resize_checked(body, kSizePrefix + size);
     bytes::store_u32(body, 0, static_cast<std::uint32_t>(storage.size()));
-    if (compress(body.data() + kSizePrefix, &size, storage.data(),
-                 static_cast<uLong>(storage.size())) != Z_OK) {
+    const int result = compress(body.data() + kSizePrefix, &size, storage.data(),
+                                static_cast<uLong>(storage.size()));
+    if (result == Z_MEM_ERROR) {
+        throw std::bad_alloc();
+    }
+    if (result != Z_OK) {
         return std::nullopt;
     }
     body.resize(kSizePrefix + size);
@@ -90,6 +96,11 @@ std::optional<bytes::Bytes> retargeted_body(PptRecord& record, const LinkRecord&
         if (retarget(storage.get(), path, link.file_name)) {
             return storage_body(record, block);
         }
+    } catch (const std::bad_alloc&) {
+        throw; // this is no fault of the object, and nothing to tell the user about its path
+    } catch (int failure) {
+        require_memory(failure);
+        v_setErrorParamTwoTexts(link.initial_file_name, link.file_name.c_str());
     } catch (...) {
         v_setErrorParamTwoTexts(link.initial_file_name.text(), link.file_name.c_str());
     }

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <new>
 
 namespace ppt {
 
@@ -92,8 +93,12 @@ std::string master_root(const PathParts& master) {
 std::string universal_name(const std::string& path) {
     alignas(UNIVERSAL_NAME_INFOA) std::array<char, kPathCapacity> buffer{};
     DWORD size = static_cast<DWORD>(buffer.size());
-    if (WNetGetUniversalNameA(path.c_str(), UNIVERSAL_NAME_INFO_LEVEL, buffer.data(), &size) !=
-        NO_ERROR) {
+    const DWORD error =
+        WNetGetUniversalNameA(path.c_str(), UNIVERSAL_NAME_INFO_LEVEL, buffer.data(), &size);
+    if (error == ERROR_NOT_ENOUGH_MEMORY) {
+        throw std::bad_alloc();
+    }
+    if (error != NO_ERROR) {
         return path;
     }
     UNIVERSAL_NAME_INFOA info{};

@@ -45,8 +45,9 @@ std::int32_t find_without_item(std::string& path) {
     }
     ULONG eaten = 0;
     ComPtr<IMoniker> moniker;
-    if (FAILED(MkParseDisplayName(context.get(), wide.data(), &eaten, moniker.put()))) {
-        return status::kFileNotFound;
+    const HRESULT parsed = MkParseDisplayName(context.get(), wide.data(), &eaten, moniker.put());
+    if (FAILED(parsed)) {
+        return parsed == E_OUTOFMEMORY ? status::kSystemOutOfMemory : status::kFileNotFound;
     }
     path.resize(std::min(path.find('!'), path.size()));
     return status::kSuccess;

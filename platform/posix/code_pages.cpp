@@ -3,7 +3,7 @@
 #include "platform/base/bytes.h"
 #include "platform/code_page/code_page.h"
 #include "platform/posix/ansi_text.h"
-#include "platform/posix/kernel.h"
+#include "platform/posix/kernel_guard.h"
 #include "platform/posix/locale_code_page.h"
 #include "platform/posix/settings.h"
 #include "platform/unicode/utf8.h"
@@ -98,12 +98,12 @@ int MultiByteToWideChar(UINT code_page, DWORD flags, const char* source, int sou
         return fail(ERROR_INVALID_FLAGS);
     }
     const bytes::View text = view_of(source_text(source, source_length));
-    const auto wide = flags == MB_ERR_INVALID_CHARS ? code_page::decode(page, text)
-                                                    : code_page::decode_lossy(page, text);
-    if (!wide) {
-        return fail(ERROR_NO_UNICODE_TRANSLATION);
-    }
-    return deliver(wide->data(), wide->size(), destination, destination_size);
+    return platform::guarded_by_last_error(0, [&] {
+        const auto wide = flags == MB_ERR_INVALID_CHARS ? code_page::decode(page, text)
+                                                        : code_page::decode_lossy(page, text);
+        return wide ? deliver(wide->data(), wide->size(), destination, destination_size)
+                    : fail(ERROR_NO_UNICODE_TRANSLATION);
+    });
 }
 
 int WideCharToMultiByte(UINT code_page, DWORD flags, const WCHAR* source, int source_length,
@@ -121,19 +121,20 @@ int WideCharToMultiByte(UINT code_page, DWORD flags, const WCHAR* source, int so
         return fail(ERROR_INVALID_FLAGS);
     }
     const std::u16string_view text = source_text(source, source_length);
-    bool replaced = false;
-    const auto ansi =
-        flags == WC_ERR_INVALID_CHARS
-            ? code_page::encode(page, text)
-            : code_page::encode_lossy(
-                  page, text, default_character == nullptr ? '?' : *default_character, &replaced);
-    if (!ansi) {
-        return fail(ERROR_NO_UNICODE_TRANSLATION);
-    }
-    if (used_default != nullptr) {
-        *used_default = replaced ? TRUE : FALSE;
-    }
-    return deliver(ansi->data(), ansi->size(), destination, destination_size);
+    const char replacement = default_character == nullptr ? '?' : *default_character;
+    return platform::guarded_by_last_error(0, [&] {
+        bool replaced = false;
+        const auto ansi = flags == WC_ERR_INVALID_CHARS
+                              ? code_page::encode(page, text)
+                              : code_page::encode_lossy(page, text, replacement, &replaced);
+        if (!ansi) {
+            return fail(ERROR_NO_UNICODE_TRANSLATION);
+        }
+        if (used_default != nullptr) {
+            *used_default = replaced ? TRUE : FALSE;
+        }
+        return deliver(ansi->data(), ansi->size(), destination, destination_size);
+    });
 }
 
 namespace platform {

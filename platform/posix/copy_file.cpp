@@ -3,7 +3,7 @@
 // that fails half way leaves no destination.
 #include "platform/posix/errno_table.h"
 #include "platform/posix/file_handle.h"
-#include "platform/posix/kernel.h"
+#include "platform/posix/kernel_guard.h"
 #include "platform/posix/paths.h"
 #include "platform/posix/settings.h"
 
@@ -12,10 +12,11 @@
 #include <fcntl.h>
 #include <limits>
 #include <linux/fs.h>
+#include <memory>
+#include <new>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <vector>
 
 namespace platform {
 
@@ -113,9 +114,12 @@ DWORD write_all(int destination, const std::uint8_t* data, std::size_t size) {
 }
 
 DWORD copy_by_buffer(int source, int destination) {
-    std::vector<std::uint8_t> buffer(kBufferSize);
+    const std::unique_ptr<std::uint8_t[]> buffer(new (std::nothrow) std::uint8_t[kBufferSize]);
+    if (buffer == nullptr) {
+        return ERROR_NOT_ENOUGH_MEMORY;
+    }
     for (;;) {
-        const ssize_t count = read(source, buffer.data(), buffer.size());
+        const ssize_t count = read(source, buffer.get(), kBufferSize);
         if (count == 0) {
             return ERROR_SUCCESS;
         }
@@ -125,7 +129,7 @@ DWORD copy_by_buffer(int source, int destination) {
         if (count < 0) {
             return error_of_errno(errno, Transfer::reading);
         }
-        const DWORD error = write_all(destination, buffer.data(), static_cast<std::size_t>(count));
+        const DWORD error = write_all(destination, buffer.get(), static_cast<std::size_t>(count));
         if (error != ERROR_SUCCESS) {
             return error;
         }
@@ -180,15 +184,17 @@ BOOL CopyFileA(const char* source, const char* destination, BOOL fail_if_exists)
         SetLastError(ERROR_INVALID_PARAMETER);
         return FALSE;
     }
-    const std::string from = platform::to_native_path(source);
-    const std::string to = from.empty() ? from : platform::native_path_to_write(destination);
-    if (to.empty()) {
-        return FALSE;
-    }
-    const DWORD error = platform::copy_file(from, to, fail_if_exists != FALSE);
-    if (error != ERROR_SUCCESS) {
-        SetLastError(error);
-        return FALSE;
-    }
-    return TRUE;
+    return platform::guarded_by_last_error(FALSE, [&] {
+        const std::string from = platform::to_native_path(source);
+        const std::string to = from.empty() ? from : platform::native_path_to_write(destination);
+        if (to.empty()) {
+            return FALSE;
+        }
+        const DWORD error = platform::copy_file(from, to, fail_if_exists != FALSE);
+        if (error != ERROR_SUCCESS) {
+            SetLastError(error);
+            return FALSE;
+        }
+        return TRUE;
+    });
 }

@@ -3,7 +3,7 @@
 #include "platform/posix/ansi_text.h"
 #include "platform/posix/buffers.h"
 #include "platform/posix/errno_table.h"
-#include "platform/posix/kernel.h"
+#include "platform/posix/kernel_guard.h"
 #include "platform/posix/settings.h"
 
 #include <cerrno>
@@ -56,10 +56,37 @@ FullPath directory_of_drive(char letter) {
     return path;
 }
 
+namespace {
+
+BOOL change_directory(const char* path) {
+    const std::string native = to_native_path(path);
+    if (native.empty()) {
+        return FALSE;
+    }
+    FullPath full = full_path(path);
+    full.ends_with_separator = false;
+    Directories changed = directories(); // first, so that nothing can fail behind the change
+    if (full.root == FullPath::Root::drive) {
+        changed.of_drive[upper(full.head[0])] = full;
+    }
+    changed.current = std::move(full);
+    if (chdir(native.c_str()) != 0) {
+        const int number = errno;
+        SetLastError(number == ENOTDIR ? ERROR_DIRECTORY : path_error_of_errno(number, native));
+        return FALSE;
+    }
+    directories() = std::move(changed);
+    return TRUE;
+}
+
+} // namespace
+
 } // namespace platform
 
 DWORD GetCurrentDirectoryA(DWORD size, char* buffer) {
-    return platform::give_path(platform::current_directory().text(), size, buffer);
+    return platform::guarded_by_last_error(DWORD{0}, [&] {
+        return platform::give_path(platform::current_directory().text(), size, buffer);
+    });
 }
 
 BOOL SetCurrentDirectoryA(const char* path) {
@@ -67,21 +94,6 @@ BOOL SetCurrentDirectoryA(const char* path) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return FALSE;
     }
-    const std::string native = platform::to_native_path(path);
-    if (native.empty()) {
-        return FALSE;
-    }
-    platform::FullPath full = platform::full_path(path);
-    if (chdir(native.c_str()) != 0) {
-        const int number = errno;
-        SetLastError(number == ENOTDIR ? ERROR_DIRECTORY
-                                       : platform::path_error_of_errno(number, native));
-        return FALSE;
-    }
-    full.ends_with_separator = false;
-    if (full.root == platform::FullPath::Root::drive) {
-        platform::directories().of_drive[platform::upper(full.head[0])] = full;
-    }
-    platform::directories().current = std::move(full);
-    return TRUE;
+    return platform::guarded_by_last_error(FALSE,
+                                           [path] { return platform::change_directory(path); });
 }

@@ -1,8 +1,10 @@
 #include "platform/posix/display_name.h"
 
+#include "platform/code_page/code_page.h"
 #include "platform/posix/kernel.h"
 
 #include <algorithm>
+#include <new>
 
 namespace platform {
 
@@ -11,12 +13,8 @@ namespace {
 constexpr char16_t kDelimiter = u'!';
 
 std::string ansi_text(std::u16string_view text) {
-    std::string ansi(text.size() * 4 + 1, '\0');
-    const int length =
-        WideCharToMultiByte(CP_ACP, 0, text.data(), static_cast<int>(text.size()), ansi.data(),
-                            static_cast<int>(ansi.size()), nullptr, nullptr);
-    ansi.resize(static_cast<std::size_t>(std::max(length, 0)));
-    return ansi;
+    const auto ansi = code_page::encode_lossy(GetACP(), text, '?');
+    return ansi ? std::string(ansi->begin(), ansi->end()) : std::string();
 }
 
 bool is_ascii(std::u16string_view text) {
@@ -38,7 +36,14 @@ std::size_t existing_file(std::u16string_view name) {
 
 DWORD attributes_of(std::u16string_view path) {
     const std::string ansi = ansi_text(path);
-    return ansi.empty() ? INVALID_FILE_ATTRIBUTES : GetFileAttributesA(ansi.c_str());
+    if (ansi.empty()) {
+        return INVALID_FILE_ATTRIBUTES;
+    }
+    const DWORD attributes = GetFileAttributesA(ansi.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES && GetLastError() == ERROR_NOT_ENOUGH_MEMORY) {
+        throw std::bad_alloc();
+    }
+    return attributes;
 }
 
 bool is_file(std::u16string_view path) {
@@ -50,12 +55,9 @@ std::u16string wide_text(const ole_link::Text& text) {
     if (text.wide) {
         return *text.wide;
     }
-    std::u16string wide(text.ansi.size(), u'\0');
-    const int length =
-        MultiByteToWideChar(CP_ACP, 0, text.ansi.data(), static_cast<int>(text.ansi.size()),
-                            wide.data(), static_cast<int>(wide.size()));
-    wide.resize(static_cast<std::size_t>(std::max(length, 0)));
-    return wide;
+    const bytes::View ansi(reinterpret_cast<const std::uint8_t*>(text.ansi.data()),
+                           text.ansi.size());
+    return code_page::decode_lossy(GetACP(), ansi).value_or(std::u16string());
 }
 
 ole_link::Text stored_text(std::u16string_view text) {

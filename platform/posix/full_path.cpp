@@ -2,7 +2,7 @@
 
 #include "platform/posix/buffers.h"
 #include "platform/posix/current_directory.h"
-#include "platform/posix/kernel.h"
+#include "platform/posix/kernel_guard.h"
 
 #include <cstring>
 
@@ -143,12 +143,14 @@ DWORD GetFullPathNameA(const char* path, DWORD size, char* buffer, char** file_p
         SetLastError(path == nullptr ? ERROR_INVALID_PARAMETER : ERROR_INVALID_NAME);
         return 0;
     }
-    const platform::FullPath full = platform::full_path(path);
-    const std::string text = full.text();
-    const DWORD length = platform::give_path(text, size, buffer);
-    if (file_part != nullptr && length == text.size()) {
-        const bool is_folder = full.names.empty() || full.ends_with_separator;
-        *file_part = is_folder ? nullptr : buffer + text.size() - full.names.back().size();
-    }
-    return length;
+    return platform::guarded_by_last_error(DWORD{0}, [&] {
+        const platform::FullPath full = platform::full_path(path);
+        const std::string text = full.text();
+        const DWORD length = platform::give_path(text, size, buffer);
+        if (file_part != nullptr && length == text.size()) {
+            const bool is_folder = full.names.empty() || full.ends_with_separator;
+            *file_part = is_folder ? nullptr : buffer + text.size() - full.names.back().size();
+        }
+        return length;
+    });
 }

@@ -1,13 +1,16 @@
 // Global memory blocks. A handle is the address of a small header that owns the bytes, so it stays
 // the same when they move. All blocks are movable and zeroed. A block of no bytes is discarded: it
 // has a handle and cannot be locked.
+#include "platform/posix/file_handle.h"
 #include "platform/posix/kernel.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <cstdlib>
-#include <fstream>
+#include <fcntl.h>
 #include <memory>
-#include <string>
+#include <string_view>
 #include <unistd.h>
 
 namespace {
@@ -57,23 +60,31 @@ struct MachineMemory {
     std::size_t swap_free = 0;
 };
 
-// /proc/meminfo in bytes; what it lacks stays 0.
-MachineMemory read_meminfo() {
-    MachineMemory memory;
-    std::ifstream file("/proc/meminfo");
-    std::string key;
-    for (std::size_t kibibytes = 0; file >> key >> kibibytes; file.ignore(80, '\n')) {
-        const std::size_t value = kibibytes * 1024;
-        if (key == "MemTotal:") {
-            memory.total = value;
-        } else if (key == "MemAvailable:") {
-            memory.available = value;
-        } else if (key == "SwapTotal:") {
-            memory.swap_total = value;
-        } else if (key == "SwapFree:") {
-            memory.swap_free = value;
-        }
+// The number behind a key of /proc/meminfo, in bytes; 0 when the key is not there.
+std::size_t meminfo_value(std::string_view text, std::string_view key) {
+    const std::size_t found = text.find(key);
+    if (found == std::string_view::npos) {
+        return 0;
     }
+    text.remove_prefix(found + key.size());
+    text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
+    std::size_t kibibytes = 0;
+    std::from_chars(text.data(), text.data() + text.size(), kibibytes);
+    return kibibytes * 1024;
+}
+
+// Takes no memory: who asks has often none left. The keys stand in the first kilobyte.
+MachineMemory read_meminfo() {
+    const platform::FileHandle file("/proc/meminfo", O_RDONLY);
+    std::array<char, 4096> buffer{};
+    const ssize_t count = read(file.descriptor(), buffer.data(), buffer.size());
+    const std::string_view text(buffer.data(),
+                                static_cast<std::size_t>(std::max(count, ssize_t{0})));
+    MachineMemory memory;
+    memory.total = meminfo_value(text, "MemTotal:");
+    memory.available = meminfo_value(text, "MemAvailable:");
+    memory.swap_total = meminfo_value(text, "SwapTotal:");
+    memory.swap_free = meminfo_value(text, "SwapFree:");
     return memory;
 }
 

@@ -3,7 +3,9 @@
 
 #include "platform/posix/kernel.h"
 
-#include <string>
+#include <algorithm>
+#include <cstring>
+#include <string_view>
 
 namespace {
 
@@ -31,10 +33,13 @@ DWORD FormatMessageA(DWORD flags, const void*, DWORD message, DWORD language, ch
     if (text == nullptr) {
         return fail(ERROR_MR_MID_NOT_FOUND);
     }
-    const std::string line = std::string(text) + "\r\n";
-    if (line.size() >= size) {
+    // Without memory of its own: it is also asked when there is none.
+    constexpr std::string_view kLineEnd("\r\n");
+    const std::size_t length = std::strlen(text) + kLineEnd.size();
+    if (length >= size) {
         return fail(ERROR_INSUFFICIENT_BUFFER);
     }
-    std::memcpy(buffer, line.c_str(), line.size() + 1);
-    return static_cast<DWORD>(line.size());
+    char* const end = std::copy_n(text, std::strlen(text), buffer);
+    *std::copy(kLineEnd.begin(), kLineEnd.end(), end) = '\0';
+    return static_cast<DWORD>(length);
 }

@@ -1,7 +1,7 @@
 // The executable's own path.
 #include "platform/posix/ansi_text.h"
 #include "platform/posix/errno_table.h"
-#include "platform/posix/kernel.h"
+#include "platform/posix/kernel_guard.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -9,11 +9,9 @@
 #include <string>
 #include <unistd.h>
 
-DWORD GetModuleFileNameA(void* module, char* buffer, DWORD size) {
-    if (module != nullptr || buffer == nullptr || size == 0) {
-        SetLastError(module != nullptr ? ERROR_INVALID_HANDLE : ERROR_INVALID_PARAMETER);
-        return 0;
-    }
+namespace {
+
+DWORD give_own_path(char* buffer, DWORD size) {
     std::string native(PATH_MAX, '\0');
     const ssize_t length = readlink("/proc/self/exe", native.data(), native.size());
     if (length < 0) {
@@ -31,4 +29,14 @@ DWORD GetModuleFileNameA(void* module, char* buffer, DWORD size) {
     }
     SetLastError(ERROR_INSUFFICIENT_BUFFER);
     return size;
+}
+
+} // namespace
+
+DWORD GetModuleFileNameA(void* module, char* buffer, DWORD size) {
+    if (module != nullptr || buffer == nullptr || size == 0) {
+        SetLastError(module != nullptr ? ERROR_INVALID_HANDLE : ERROR_INVALID_PARAMETER);
+        return 0;
+    }
+    return platform::guarded_by_last_error(DWORD{0}, [&] { return give_own_path(buffer, size); });
 }

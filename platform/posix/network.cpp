@@ -1,7 +1,7 @@
 // Names on the network, from the table of drives and shares.
 #include "platform/posix/ansi_text.h"
 #include "platform/posix/drives.h"
-#include "platform/posix/kernel.h"
+#include "platform/posix/kernel_guard.h"
 
 namespace {
 
@@ -12,19 +12,7 @@ bool is_path_on_drive(std::string_view path) {
            (path.size() == 2 || path[2] == '\\' || path[2] == '/');
 }
 
-} // namespace
-
-DWORD WNetGetUniversalNameA(const char* local_path, DWORD level, void* buffer, DWORD* size) {
-    if (local_path == nullptr || size == nullptr || (buffer == nullptr && *size != 0)) {
-        return ERROR_INVALID_PARAMETER;
-    }
-    if (level != UNIVERSAL_NAME_INFO_LEVEL) {
-        return ERROR_INVALID_LEVEL;
-    }
-    const std::string_view path(local_path);
-    if (!is_path_on_drive(path)) {
-        return ERROR_BAD_DEVICE;
-    }
+DWORD give_name(std::string_view path, void* buffer, DWORD* size) {
     const auto share = platform::DriveTable::instance().share_of(path.substr(0, 2));
     if (!share) {
         return ERROR_NOT_CONNECTED;
@@ -42,4 +30,21 @@ DWORD WNetGetUniversalNameA(const char* local_path, DWORD level, void* buffer, D
     const UNIVERSAL_NAME_INFOA info{text};
     std::memcpy(buffer, &info, sizeof info);
     return NO_ERROR;
+}
+
+} // namespace
+
+DWORD WNetGetUniversalNameA(const char* local_path, DWORD level, void* buffer, DWORD* size) {
+    if (local_path == nullptr || size == nullptr || (buffer == nullptr && *size != 0)) {
+        return ERROR_INVALID_PARAMETER;
+    }
+    if (level != UNIVERSAL_NAME_INFO_LEVEL) {
+        return ERROR_INVALID_LEVEL;
+    }
+    const std::string_view path(local_path);
+    if (!is_path_on_drive(path)) {
+        return ERROR_BAD_DEVICE;
+    }
+    return platform::guarded_by_last_error(ERROR_NOT_ENOUGH_MEMORY,
+                                           [&] { return give_name(path, buffer, size); });
 }

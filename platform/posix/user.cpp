@@ -1,6 +1,6 @@
 // The user that the process runs as.
 #include "platform/posix/ansi_text.h"
-#include "platform/posix/kernel.h"
+#include "platform/posix/kernel_guard.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -33,17 +33,19 @@ BOOL GetUserNameA(char* buffer, DWORD* size) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return FALSE;
     }
-    const std::string name = platform::utf8_to_ansi(user_name());
-    if (name.empty()) {
-        SetLastError(ERROR_NONE_MAPPED);
-        return FALSE;
-    }
-    const DWORD available = *size;
-    *size = static_cast<DWORD>(name.size() + 1);
-    if (buffer == nullptr || available < *size) {
-        SetLastError(ERROR_INSUFFICIENT_BUFFER);
-        return FALSE;
-    }
-    std::memcpy(buffer, name.c_str(), *size);
-    return TRUE;
+    return platform::guarded_by_last_error(FALSE, [&] {
+        const std::string name = platform::utf8_to_ansi(user_name());
+        if (name.empty()) {
+            SetLastError(ERROR_NONE_MAPPED);
+            return FALSE;
+        }
+        const DWORD available = *size;
+        *size = static_cast<DWORD>(name.size() + 1);
+        if (buffer == nullptr || available < *size) {
+            SetLastError(ERROR_INSUFFICIENT_BUFFER);
+            return FALSE;
+        }
+        std::memcpy(buffer, name.c_str(), *size);
+        return TRUE;
+    });
 }

@@ -1,0 +1,135 @@
+// Memory that runs out: whichever allocation fails while a presentation is loaded or rewritten, the
+// call says so or does without, gives back all that it took, and the next call works.
+#include "platform/posix/settings.h"
+#include "plugin/status.h"
+#include "tests/faults/failing_allocations.h"
+#include "tests/faults/fault_deck.h"
+#include "tests/plugin/plugin_fixture.h"
+#include "tests/plugin/stored_file.h"
+
+namespace fault {
+namespace {
+
+using namespace ppt;
+
+class AllocationFailure : public plugin_test::PluginTest, public testing::WithParamInterface<Ids> {
+  protected:
+    void SetUp() override {
+        PluginTest::SetUp();
+        platform::trust_link_targets(true);
+        every_kind_of_link(GetParam()).write(path("deck.ppt"));
+        ASSERT_EQ(load_again("deck.ppt"), 0);
+        links_ = loaded_links();
+        j_unLoadFile();
+    }
+
+    void TearDown() override {
+        platform::trust_link_targets(false);
+        PluginTest::TearDown();
+    }
+
+    // The blocks that are held while nothing is loaded.
+    static std::int64_t blocks_at_rest() {
+        j_unLoadFile();
+        v_setErrorParamText("x"); // the last failure may have had no memory for its parameters
+        return live_allocations();
+    }
+
+    // 8800 for the plug-in's own memory, 9000 for that of the system's calls, 5700 when there was
+    // too little for the storage of an object.
+    static bool tells_of_memory(std::int32_t found) {
+        return found == status::kOutOfMemory || found == status::kSystemOutOfMemory ||
+               found == status::kStorageOnMemoryFailed;
+    }
+
+    std::string links_;
+};
+
+INSTANTIATE_TEST_SUITE_P(BothPlaces, AllocationFailure,
+                         testing::Values(Ids::as_properties, Ids::on_pages), [](const auto& ids) {
+                             return ids.param == Ids::on_pages ? "IdsOnPages" : "IdsAsProperties";
+                         });
+
+TEST_P(AllocationFailure, LoadingEndsWithAStatusAndGivesEverythingBack) {
+    const std::string deck = path("deck.ppt");
+    std::uint64_t failures = 0;
+    bool happened = true;
+    for (std::uint64_t number = 0; happened; ++number) {
+        SCOPED_TRACE("allocation " + std::to_string(number));
+        const std::int64_t at_rest = blocks_at_rest();
+        std::int32_t status = 0;
+        {
+            const FailingAllocation failing(number);
+            status = j_loadFile(deck.c_str(), 3);
+            happened = failing.happened();
+        }
+        if (status == 0) {
+            EXPECT_EQ(loaded_links(), links_);
+        } else {
+            ++failures;
+            EXPECT_TRUE(tells_of_memory(status)) << status;
+            EXPECT_EQ(n_getLinkCount(), 0);
+        }
+        ASSERT_EQ(blocks_at_rest(), at_rest);
+        ASSERT_EQ(j_loadFile(deck.c_str(), 3), 0);
+        ASSERT_EQ(loaded_links(), links_);
+        j_unLoadFile();
+    }
+    EXPECT_GT(failures, 300U);
+}
+
+TEST_P(AllocationFailure, RewritingEndsWithAStatusAndGivesEverythingBack) {
+    const std::string deck = path("deck.ppt");
+    std::string out = path("out.ppt");
+    ASSERT_EQ(load_again("deck.ppt"), 0);
+    change_all_links("new");
+    ASSERT_EQ(rewrite("expected.ppt"), 0);
+    const auto expected = plugin_test::StoredFile(path("expected.ppt")).streams();
+    std::uint64_t failures = 0;
+    bool happened = true;
+    for (std::uint64_t number = 0; happened; ++number) {
+        SCOPED_TRACE("allocation " + std::to_string(number));
+        const std::int64_t at_rest = blocks_at_rest();
+        ASSERT_EQ(j_loadFile(deck.c_str(), 3), 0);
+        ASSERT_EQ(loaded_links(), links_);
+        change_all_links("new");
+        std::int32_t status = 0;
+        {
+            const FailingAllocation failing(number);
+            status = j_rewriteFile(out.data(), 3);
+            happened = failing.happened();
+        }
+        if (status == 0) {
+            EXPECT_EQ(state().links_not_written, std::vector<std::size_t>());
+            EXPECT_EQ(plugin_test::StoredFile(out).streams() == expected, true);
+        } else {
+            ++failures;
+            EXPECT_TRUE(tells_of_memory(status)) << status;
+        }
+        ASSERT_EQ(blocks_at_rest(), at_rest);
+    }
+    EXPECT_GT(failures, 1000U);
+}
+
+TEST_P(AllocationFailure, ALinkThatCannotTakeItsNewPathKeepsTheOldOne) {
+    ASSERT_EQ(load_again("deck.ppt"), 0);
+    const std::string before = loaded_links();
+    const std::string long_path = "D:\\" + std::string(100, 'x');
+    std::uint64_t number = 0;
+    for (bool happened = true; happened; ++number) {
+        SCOPED_TRACE("allocation " + std::to_string(number));
+        std::int32_t status = 0;
+        {
+            const FailingAllocation failing(number);
+            status = j_setLinkFileName(0, long_path.c_str(), 0);
+            happened = failing.happened();
+        }
+        EXPECT_EQ(status, happened ? status::kOutOfMemory : 0);
+        EXPECT_EQ(loaded_links() == before, happened);
+        EXPECT_EQ(link(0).path_changed(), !happened);
+    }
+    EXPECT_GT(number, 2U);
+}
+
+} // namespace
+} // namespace fault

@@ -1,0 +1,145 @@
+#include "tests/faults/failing_allocations.h"
+
+#include <zlib.h>
+
+#include <cstddef>
+#include <limits>
+#include <new>
+
+extern "C" {
+// The linker's names for the C library's functions and for what replaces them.
+void* __real_malloc(std::size_t size);
+void* __real_calloc(std::size_t count, std::size_t size);
+void* __real_realloc(void* block, std::size_t size);
+void __real_free(void* block);
+int __real_inflateInit_(z_streamp stream, const char* version, int size);
+int __real_compress(Bytef* to, uLongf* to_size, const Bytef* from, uLong from_size);
+void* __wrap_malloc(std::size_t size);
+void* __wrap_calloc(std::size_t count, std::size_t size);
+void* __wrap_realloc(void* block, std::size_t size);
+void __wrap_free(void* block);
+int __wrap_inflateInit_(z_streamp stream, const char* version, int size);
+int __wrap_compress(Bytef* to, uLongf* to_size, const Bytef* from, uLong from_size);
+}
+
+namespace fault {
+
+namespace {
+
+constexpr std::uint64_t kNever = std::numeric_limits<std::uint64_t>::max();
+
+std::uint64_t left_until_failure = kNever;
+bool failed = false;
+std::int64_t live = 0;
+
+bool is_failing_one() {
+    if (left_until_failure == kNever || left_until_failure-- > 0) {
+        return false;
+    }
+    left_until_failure = kNever;
+    failed = true;
+    return true;
+}
+
+void* counted(void* block) {
+    live += block == nullptr ? 0 : 1;
+    return block;
+}
+
+void* allocate(std::size_t size) {
+    return is_failing_one() ? nullptr : counted(__real_malloc(size == 0 ? 1 : size));
+}
+
+void* allocate_or_throw(std::size_t size) {
+    void* const block = allocate(size);
+    if (block == nullptr) {
+        throw std::bad_alloc();
+    }
+    return block;
+}
+
+void release(void* block) {
+    live -= block == nullptr ? 0 : 1;
+    __real_free(block);
+}
+
+} // namespace
+
+FailingAllocation::FailingAllocation(std::uint64_t number) {
+    failed = false;
+    left_until_failure = number;
+}
+
+FailingAllocation::~FailingAllocation() {
+    left_until_failure = kNever;
+}
+
+bool FailingAllocation::happened() const {
+    return failed;
+}
+
+std::int64_t live_allocations() {
+    return live;
+}
+
+} // namespace fault
+
+void* __wrap_malloc(std::size_t size) {
+    return fault::allocate(size);
+}
+
+void* __wrap_calloc(std::size_t count, std::size_t size) {
+    return fault::is_failing_one() ? nullptr : fault::counted(__real_calloc(count, size));
+}
+
+void* __wrap_realloc(void* block, std::size_t size) {
+    if (fault::is_failing_one()) {
+        return nullptr;
+    }
+    void* const moved = __real_realloc(block, size);
+    return block == nullptr ? fault::counted(moved) : moved;
+}
+
+void __wrap_free(void* block) {
+    fault::release(block);
+}
+
+int __wrap_inflateInit_(z_streamp stream, const char* version, int size) {
+    return fault::is_failing_one() ? Z_MEM_ERROR : __real_inflateInit_(stream, version, size);
+}
+
+int __wrap_compress(Bytef* to, uLongf* to_size, const Bytef* from, uLong from_size) {
+    return fault::is_failing_one() ? Z_MEM_ERROR : __real_compress(to, to_size, from, from_size);
+}
+
+void* operator new(std::size_t size) {
+    return fault::allocate_or_throw(size);
+}
+
+void* operator new[](std::size_t size) {
+    return fault::allocate_or_throw(size);
+}
+
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return fault::allocate(size);
+}
+
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+    return fault::allocate(size);
+}
+
+void operator delete(void* block) noexcept {
+    fault::release(block);
+}
+
+void operator delete[](void* block) noexcept {
+    fault::release(block);
+}
+
+void operator delete(void* block, std::size_t) noexcept {
+    fault::release(block);
+}
+
+void operator delete[](void* block, std::size_t) noexcept {
+    fault::release(block);
+}
