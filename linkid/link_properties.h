@@ -16,8 +16,7 @@ namespace ppt {
 // Gives the records of the link table their ids and empty hyperlinks their targets (bit 0 of
 // `flags`: ids of links; bit 1: the presentation's own id). A missing stream or section is no
 // failure; missing memory is 8800 or 9000; any other is 7280, or 8140 where no status code stands
-// behind it. Cost: O(n log n) in
-// properties and links.
+// behind it. Cost: O(n log n) in properties and links.
 std::int32_t j_readLinkIdsFromProperties(IStorage* root, std::int32_t flags);
 
 // Stores ids and targets in the copy whose root storage is given, by the same bits; creates the

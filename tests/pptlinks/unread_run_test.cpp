@@ -23,8 +23,7 @@ class UnreadRun : public ProgramRun {
 
     static constexpr const char* kComplaints =
         "pptlinks: talk.ppt: external object 3 (movie) could not be read: it is damaged or built "
-        "in "
-        "a way that is not understood (status 8140).\n"
+        "in a way that is not understood (status 8140).\n"
         "pptlinks: talk.ppt: slide 2 could not be read: a place in it cannot be reached, so it is "
         "probably damaged (status 5650).\n";
 };
