@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <string>
 
 namespace ppt {
 
@@ -31,6 +32,21 @@ struct PropertyName {
 };
 
 } // namespace
+
+std::uint64_t PropertyValue::size() const {
+    switch (value_.vt) {
+    case VT_LPSTR:
+        return value_.pszVal == nullptr ? 0 : std::strlen(value_.pszVal);
+    case VT_LPWSTR:
+        return value_.pwszVal == nullptr
+                   ? 0
+                   : sizeof(WCHAR) * std::char_traits<WCHAR>::length(value_.pwszVal);
+    case VT_BLOB:
+        return value_.blob.cbSize;
+    default:
+        return 0;
+    }
+}
 
 bool PropertyValue::get_text(std::string& text) const {
     if (value_.vt == VT_LPSTR && value_.pszVal != nullptr) {
@@ -80,6 +96,12 @@ void PropertySection::open_for_writing(IStorage* root) {
         throw_com_failure(StgCreatePropStg(stream_.get(), FMTID_UserDefinedProperties, nullptr, 0,
                                            0, section_.put()));
     }
+}
+
+std::uint64_t PropertySection::stream_size() const {
+    STATSTG stat{};
+    require_success(j_translateComError(stream_->Stat(&stat, STATFLAG_NONAME)));
+    return stat.cbSize.QuadPart;
 }
 
 void PropertySection::for_each(const std::function<bool(const Name&, PROPID)>& visit) {

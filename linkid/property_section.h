@@ -25,6 +25,9 @@ class PropertyValue {
     bool is_blob() const { return value_.vt == VT_BLOB && value_.blob.pBlobData != nullptr; }
     bool is_empty_blob() const { return value_.vt == VT_BLOB && value_.blob.cbSize == 0; }
 
+    // Of its characters or bytes; 0 for values of other types.
+    std::uint64_t size() const;
+
     // Whether the value is a text; `text` then gets it in the ANSI code page, at most 1023 bytes of
     // a VT_LPSTR. Throws the status code of a failed conversion.
     bool get_text(std::string& text) const;
@@ -50,6 +53,9 @@ class PropertySection {
     // Calls `visit` with the name and id of each named property in the order of the section, until
     // it returns false. Names that do not fit 259 bytes in the ANSI code page are passed over.
     void for_each(const std::function<bool(const Name&, PROPID)>& visit);
+
+    // Of the whole stream, in bytes.
+    std::uint64_t stream_size() const;
 
     // VT_EMPTY when there is no such property.
     void read(const std::basic_string<WCHAR>& name, PropertyValue& value);

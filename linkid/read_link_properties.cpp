@@ -116,21 +116,28 @@ class PropertyReader {
         , flags_(flags) {}
 
     void read_all() {
+        most_bytes_ = kBytesOfAByte * section_.stream_size();
         section_.for_each(
             [this](const PropertySection::Name& name, PROPID id) { return read(name, id); });
         matches_.give_to_links();
     }
 
   private:
+    // What one stored byte can become in a text of the ANSI code page.
+    static constexpr std::uint64_t kBytesOfAByte = 3;
+
     // False ends the enumeration.
     bool read(const PropertySection::Name& full_name, PROPID property_id) {
         const std::string& name = full_name.ansi;
         const bool is_list = name == kHyperlinkListName;
-        if (!is_list && !name.starts_with(kTargetFileIdName)) {
+        // Of several properties with the name of the list the first one is read, and that once.
+        const bool is_wanted = is_list ? !list_is_read_ : name.starts_with(kTargetFileIdName);
+        if (!is_wanted) {
             return true;
         }
         PropertyValue value;
         section_.read(full_name.wide, value);
+        count_bytes(value);
         if (is_list) {
             return read_list(value);
         }
@@ -148,6 +155,7 @@ class PropertyReader {
 
     // Ids from the document's own records take precedence over the properties behind the list.
     bool read_list(const PropertyValue& value) {
+        list_is_read_ = true;
         if (!value.is_blob()) {
             throw static_cast<int>(status::kNullArgument);
         }
@@ -156,9 +164,20 @@ class PropertyReader {
         return !state().ids_in_document;
     }
 
+    // Properties of a damaged stream may share one large value.
+    void count_bytes(const PropertyValue& value) {
+        bytes_read_ += value.size();
+        if (bytes_read_ > most_bytes_) {
+            throw static_cast<int>(status::kDamaged);
+        }
+    }
+
     PropertySection& section_;
     std::int32_t flags_;
     IdMatches matches_;
+    bool list_is_read_ = false;
+    std::uint64_t bytes_read_ = 0;
+    std::uint64_t most_bytes_ = 0;
 };
 
 } // namespace
@@ -172,7 +191,9 @@ std::int32_t j_readLinkIdsFromProperties(IStorage* root, std::int32_t flags) {
         }
         return status::kSuccess;
     } catch (int failure) {
-        if (is_out_of_memory(failure)) {
+        // A disk that cannot be read is no damage that a load may leave out.
+        const bool ends_every_load = state().keeps_going() && !b_liesInObject(failure);
+        if (is_out_of_memory(failure) || ends_every_load) {
             return failure;
         }
         v_setErrorParamText(document_path());

@@ -15,6 +15,9 @@
 #include <algorithm>
 #include <array>
 #include <deque>
+#include <map>
+#include <string>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -25,11 +28,24 @@ namespace {
 using WideString = std::basic_string<WCHAR>;
 constexpr PROPID kFirstNewId = 2;
 
-// The failures of the section's own calls are raised with the COM result itself, but for missing
-// memory.
+// Whether the disk under the copy failed or is full.
+bool is_failed_write(std::int32_t status) {
+    return status == status::kStorageWriteFault || status == status::kDiskFull;
+}
+
+// Throws the status when memory ran out or the disk failed, which tells nothing about the property
+// at hand.
+void require_machine(HRESULT result) {
+    require_memory_of(result);
+    if (result == STG_E_WRITEFAULT || result == STG_E_MEDIUMFULL) {
+        require_success(j_translateComError(result));
+    }
+}
+
+// Other failures of the section's own calls are raised with the COM result itself.
 void throw_com_result(HRESULT result) {
     if (FAILED(result)) {
-        require_memory_of(result);
+        require_machine(result);
         throw static_cast<int>(result);
     }
 }
@@ -49,14 +65,59 @@ bool is_ascii(const WideString& text) {
     return std::all_of(text.begin(), text.end(), [](WCHAR unit) { return unit < 0x80; });
 }
 
-// The properties to be written, all in one call.
+// What is written may take no more bytes than the system lets a stream have, nor than a larger one
+// has already. Counted is what is certain, so that nothing is refused that would fit.
+class Room {
+  public:
+    explicit Room(std::uint64_t stream_size)
+        : allowed_(std::max(kUsualLimit, stream_size)) {}
+
+    // Whether there was room for so many bytes and for all before them.
+    bool take(std::uint64_t bytes) {
+        taken_ += bytes;
+        return !is_exceeded();
+    }
+
+    bool is_exceeded() const { return taken_ > allowed_; }
+    std::uint64_t taken() const { return taken_; }
+    std::uint64_t allowed() const { return allowed_; }
+
+  private:
+    static constexpr std::uint64_t kUsualLimit = std::uint64_t{1} << 20;
+
+    std::uint64_t allowed_;
+    std::uint64_t taken_ = 0;
+};
+
+// The properties to be written, all in one call. Of several with one name the last one counts.
 class NewProperties {
   public:
-    // `plain_name` is the name where the section's code page does not hold `name`.
+    explicit NewProperties(Room& room)
+        : room_(room) {}
+
+    // `plain_name` is the name where the section's code page does not hold `name`. Does nothing
+    // once there is no room.
     void add(const std::string& name, const std::string& plain_name, const std::string& value) {
-        plain_names_.push_back(wide_from_ansi(plain_name));
+        if (room_.is_exceeded()) {
+            return;
+        }
+        WideString wide_value = wide_from_ansi(value);
+        const auto [known, is_new] = by_name_.try_emplace(name, names_.size());
+        if (!is_new) {
+            values_[known->second] = std::move(wide_value);
+            variants_[known->second].pwszVal = values_[known->second].data();
+            return;
+        }
+        const std::uint64_t size =
+            kSmallestProperty + name.size() / kBytesOfAUnit + sizeof(WCHAR) * wide_value.size();
+        if (!room_.take(std::max(size, room_.allowed() / kMostProperties))) {
+            return;
+        }
         names_.push_back(wide_from_ansi(name));
-        values_.push_back(wide_from_ansi(value));
+        if (!is_ascii(names_.back())) {
+            plain_names_.try_emplace(specs_.size(), wide_from_ansi(plain_name));
+        }
+        values_.push_back(std::move(wide_value));
         PROPSPEC spec{};
         spec.ulKind = PRSPEC_LPWSTR;
         spec.lpwstr = names_.back().data();
@@ -76,23 +137,28 @@ class NewProperties {
         if (SUCCEEDED(result)) {
             return;
         }
-        require_memory_of(result);
-        for (std::size_t i = 0; i < specs_.size(); ++i) {
-            if (!is_ascii(names_[i])) {
-                specs_[i].lpwstr = plain_names_[i].data();
-            }
+        require_machine(result);
+        for (auto& [index, plain_name] : plain_names_) {
+            specs_[index].lpwstr = plain_name.data();
         }
         throw_com_result(try_to_write(section));
     }
 
   private:
+    static constexpr std::uint64_t kMostProperties = 65536; // that a section can be read with
+    // An entry in the dictionary, a pair, the type and the length of a text.
+    static constexpr std::uint64_t kSmallestProperty = 24;
+    static constexpr std::uint64_t kBytesOfAUnit = 3; // in an ANSI name, at most
+
     HRESULT try_to_write(PropertySection& section) const {
         return section->WriteMultiple(static_cast<ULONG>(specs_.size()), specs_.data(),
                                       variants_.data(), kFirstNewId);
     }
 
-    std::deque<WideString> names_; // a deque: the specs point into it
-    std::deque<WideString> plain_names_;
+    Room& room_;
+    std::unordered_map<std::string, std::size_t> by_name_;
+    std::deque<WideString> names_;                  // a deque: the specs point into it
+    std::map<std::size_t, WideString> plain_names_; // by index, of those with other characters
     std::deque<WideString> values_;
     std::vector<PROPSPEC> specs_;
     std::vector<PROPVARIANT> variants_;
@@ -102,11 +168,15 @@ class PropertyWriter {
   public:
     PropertyWriter(PropertySection& section, std::string copy_path)
         : section_(section)
-        , copy_path_(std::move(copy_path)) {}
+        , copy_path_(std::move(copy_path))
+        , room_(section.stream_size()) {}
+
+    // What has to be written does not fit; nothing more was written then.
+    const Room& room() const { return room_; }
 
     void write_ids(std::int32_t flags) {
         const bool from_document = state().ids_in_document;
-        NewProperties added;
+        NewProperties added(room_);
         if ((flags & kFlagLinks) != 0 || from_document) {
             for (const LinkRecord& link : state().links.links()) {
                 store_id(link, added);
@@ -115,6 +185,9 @@ class PropertyWriter {
         if ((flags & kFlagTargetFileId) != 0 || from_document) {
             const std::string name(kTargetFileIdName);
             added.add(name, name, id_text(state().target_file_id));
+        }
+        if (room_.is_exceeded()) {
+            return;
         }
         throw_com_result(section_->Commit(STGC_DEFAULT));
         added.write_to(section_);
@@ -139,6 +212,9 @@ class PropertyWriter {
         const bool links_wanted = (flags & kFlagLinks) != 0;
         for (std::size_t k = 0; links_wanted && k < list.entries.size(); ++k) {
             set_address(list.entries[k], static_cast<std::int32_t>(k));
+            if (room_.is_exceeded()) {
+                return;
+            }
         }
         bytes::Bytes blob = build_hyperlink_list(list);
         PROPSPEC spec{};
@@ -192,25 +268,26 @@ class PropertyWriter {
     }
 
     HRESULT try_to_rename(PROPID id, const std::string& name) {
-        const WideString wide = wide_from_ansi(name);
-        const WCHAR* names = wide.c_str();
+        WideString wide = wide_from_ansi(name);
+        WCHAR* const names = wide.data();
         return section_->WritePropertyNames(1, &id, &names);
     }
 
     void rename_property(const LinkRecord& link) {
         const HRESULT result = try_to_rename(link.property_id, link_property_name(link));
         if (FAILED(result)) {
-            require_memory_of(result);
+            require_machine(result);
             throw_com_result(try_to_rename(link.property_id, plain_property_name(link)));
         }
     }
 
-    static void set_address(HyperlinkEntry& entry, std::int32_t ordinal) {
+    void set_address(HyperlinkEntry& entry, std::int32_t ordinal) {
         LinkTable& table = state().links;
         for (const std::uint32_t index : table.uses_of_hyperlink(ordinal)) {
             const LinkRecord& use = table.links()[index];
             if (use.path_changed()) {
                 entry.new_address = wide_from_ansi(use.file_name);
+                room_.take(sizeof(WCHAR) * entry.new_address->size());
                 return;
             }
         }
@@ -218,17 +295,20 @@ class PropertyWriter {
 
     PropertySection& section_;
     std::string copy_path_;
+    Room room_;
     std::unordered_set<PROPID> deleted_;
 };
 
-// Runs one step; its failure ends the step alone, unless memory ran out. A status code leaves the
-// document path as error parameter.
+// Runs one step; its failure ends the step alone, unless memory ran out or the disk failed. A
+// status code leaves the document path as error parameter.
 template <class Step>
 void run(Step step) {
     try {
         step();
     } catch (int failure) {
-        require_memory(failure);
+        if (is_out_of_memory(failure) || is_failed_write(failure)) {
+            throw;
+        }
         v_setErrorParamText(document_path());
     }
 }
@@ -247,6 +327,11 @@ std::int32_t j_writeLinkIdsToProperties(IStorage* root, std::int32_t flags) {
     PropertyWriter writer(section, copy_path);
     run([&] { writer.write_ids(flags); });
     run([&] { writer.write_hyperlink_list(flags); });
+    if (writer.room().is_exceeded()) {
+        v_setErrorParamNumbers(static_cast<std::int32_t>(writer.room().taken()),
+                               static_cast<std::int32_t>(writer.room().allowed()));
+        return status::kDamaged;
+    }
     return j_translateComError(section->Commit(STGC_DEFAULT));
 }
 

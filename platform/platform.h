@@ -16,6 +16,8 @@
 #include <ole2.h>
 #include <propidl.h>
 #include <winnetwk.h>
+
+#include "platform/windows/text_log.h"
 #define WIDE(text) L##text
 #else
 #include "platform/posix/kernel.h"

@@ -14,11 +14,15 @@ void install_new_handler() {
     handler_installed = true;
 }
 
-void throw_out_of_memory(std::size_t requested) {
+void run_new_handler(std::size_t requested) noexcept {
     if (handler_installed) {
         v_setErrorParamNumbers(static_cast<std::int32_t>(requested),
                                static_cast<std::int32_t>(n_getAvailablePhysicalMemory()));
     }
+}
+
+void throw_out_of_memory(std::size_t requested) {
+    run_new_handler(requested);
     throw static_cast<int>(status::kOutOfMemory);
 }
 

@@ -12,8 +12,11 @@ namespace ppt {
 // Makes failing allocations call the new-handler from now on.
 void install_new_handler();
 
-// Leaves the size asked for and the available physical memory in the error parameters when the
-// handler is installed, and throws 8800.
+// Runs the new-handler, if it is installed: it leaves the size asked for and the available physical
+// memory in the error parameters.
+void run_new_handler(std::size_t requested) noexcept;
+
+// Runs the new-handler and throws 8800.
 [[noreturn]] void throw_out_of_memory(std::size_t requested);
 
 // Sets the size of a container; every failure throws 8800.

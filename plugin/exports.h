@@ -26,9 +26,9 @@
 extern "C" {
 
 // Raises the version ceiling to `ceiling`, keeps `options` when not null (letters, cut at 259: "h",
-// "e" and "t" steer hyperlinks in text, "k" keeps going where an object cannot be read),
-// initialises COM on this thread and opens the trace log. 8800 when COM is out of memory; a log
-// that cannot be opened is no failure.
+// "e" and "t" steer hyperlinks in text, "k" keeps going where an object cannot be read, "w" tells
+// which links were not written), initialises COM on this thread and opens the trace log. 8800 when
+// COM is out of memory; a log that cannot be opened is no failure.
 PPT_EXPORT std::int32_t PPT_CALL j_initDLL(std::int32_t ceiling, std::int32_t reserved,
                                            const char* options);
 
@@ -52,9 +52,11 @@ PPT_EXPORT std::int32_t PPT_CALL j_unLoadFile();
 
 // Copies the loaded file to `path`, replacing what is there, and rewrites in the copy, by the bits
 // of `flags`, the changed links and their ids (1) and the presentation's own id (2); then unloads.
-// Trailing blanks of `path` are cut in the caller's buffer. The loaded file is never written; after
-// a failure the copy stays as far as it was written. A failure before the copy was opened leaves
-// the presentation loaded.
+// With the letter "w" the error parameters of a rewrite that gives 0 are the number of changed
+// links that it could not write where they stand and the index of each: pictures and OLE objects
+// that keep their paths, texts that still show the old one. Trailing blanks of `path` are cut in
+// the caller's buffer. The loaded file is never written; after a failure the copy stays as far as
+// it was written. A failure before the copy was opened leaves the presentation loaded.
 PPT_EXPORT std::int32_t PPT_CALL j_rewriteFile(char* path, std::int32_t flags);
 
 PPT_EXPORT std::int32_t PPT_CALL n_getLinkCount();

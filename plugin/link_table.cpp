@@ -25,6 +25,14 @@ std::uint64_t type_and_id(const LinkRecord& object) {
 void LinkTable::set_stream_size(std::uint64_t bytes) {
     most_links_ =
         static_cast<std::size_t>(std::min<std::uint64_t>(bytes / kSmallestLink, kMostLinks));
+    most_text_ = bytes;
+}
+
+void LinkTable::count_text(std::size_t bytes) {
+    text_ += bytes;
+    if (text_ > most_text_) {
+        throw static_cast<int>(status::kDamaged);
+    }
 }
 
 LinkRecord& LinkTable::append_link(const LinkRecord& record) {

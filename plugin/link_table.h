@@ -12,6 +12,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <limits>
 #include <span>
 #include <string>
 #include <unordered_map>
@@ -34,6 +35,10 @@ class LinkTable {
     // Links that the document stream has room for: `append_link` throws 8140 for more of them, and
     // for more than kMostLinks.
     void set_stream_size(std::uint64_t bytes);
+
+    // Counts the bytes of a text that links are going to share; throws 8140 for more of them than
+    // the document stream has.
+    void count_text(std::size_t bytes);
 
     LinkRecord& append_link(const LinkRecord& record);
     // Not kept when an earlier object has its id and type, since no look-up would find it.
@@ -75,6 +80,8 @@ class LinkTable {
 
     std::deque<LinkRecord> links_;
     std::size_t most_links_ = kMostLinks;
+    std::uint64_t most_text_ = std::numeric_limits<std::uint64_t>::max(); // in bytes
+    std::uint64_t text_ = 0;
     std::deque<LinkRecord> external_objects_;
     std::uint32_t document_persist_id_ = 0;
     std::unordered_map<std::string, LinkPath> paths_;

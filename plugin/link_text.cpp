@@ -49,15 +49,27 @@ std::string StoredText::ansi(std::int32_t start, std::int32_t end) const {
     return ansi_from_wide(units);
 }
 
+bool StoredText::halves_a_character(std::int32_t start, std::int32_t end) const {
+    return end > start && end < length() && is_low_surrogate(unit(end));
+}
+
 std::int32_t StoredText::shown_end(std::int32_t start, std::int32_t end) const {
-    // A character gives at least one byte, so longer ranges cannot fit.
-    end = std::min(end, start + std::min(length() - start, std::int32_t{kLongestShown}));
-    for (std::size_t size = ansi(start, end).size(); size > kLongestShown;
-         size = ansi(start, end).size()) {
-        end -= static_cast<std::int32_t>(std::max<std::size_t>(1, (size - kLongestShown) / 3));
+    // A character gives at least one byte. Where a piece does not fit half of it is tried: together
+    // no more is converted than twice what is shown.
+    std::int32_t room = kLongestShown;
+    std::int32_t shown = start;
+    for (std::int32_t piece = room; piece > 0 && shown < end; piece = std::min(piece, room)) {
+        std::int32_t next = shown + std::min(end - shown, piece);
+        next += next < end && halves_a_character(shown, next) ? 1 : 0;
+        const std::size_t size = ansi(shown, next).size();
+        if (std::cmp_less_equal(size, room)) {
+            room -= static_cast<std::int32_t>(size);
+            shown = next;
+        } else {
+            piece /= 2;
+        }
     }
-    const bool halves_a_character = end > start && end < length() && is_low_surrogate(unit(end));
-    return halves_a_character ? end - 1 : end;
+    return halves_a_character(start, shown) ? shown - 1 : shown;
 }
 
 std::string LinkRecord::hyperlink_text() const {

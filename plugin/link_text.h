@@ -57,6 +57,8 @@ class StoredText {
 
   private:
     WCHAR unit(std::int32_t at) const;
+    // Whether a part of the text from `start` up to `end` ends within a character.
+    bool halves_a_character(std::int32_t start, std::int32_t end) const;
 
     bytes::Bytes body_;
     bool one_byte_each_;

@@ -57,7 +57,7 @@ std::int32_t read_presentation(ComPtr<IStorage> root, std::int32_t flags) {
         plugin.links.set_document_persist_id(presentation.current_user_edit().document_persist_id);
     }
     if (presentation.ps_getDocumentStream() != nullptr) {
-        plugin.links.set_stream_size(presentation.document_size());
+        plugin.links.set_stream_size(presentation.readable_size());
     }
     std::int32_t status = j_findLinks(presentation, flags);
     v_logLine("Link paths have been obtained");

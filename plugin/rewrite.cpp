@@ -52,6 +52,16 @@ std::int32_t write_properties(IStorage* root, std::int32_t flags) {
     return status::kSuccess;
 }
 
+// The number of links and the index of each, for hosts have nothing else to ask.
+void tell_not_written(const std::vector<std::size_t>& links) {
+    std::string text = std::to_string(links.size());
+    for (const std::size_t index : links) {
+        text.push_back(static_cast<char>(kErrorParamSeparator));
+        text += std::to_string(index);
+    }
+    v_setErrorParamText(text);
+}
+
 std::int32_t rewrite_copy(ComPtr<IStorage> root, std::int32_t flags) {
     PptPresentation copy(std::move(root));
     ComPtr<IStream> stream;
@@ -63,6 +73,12 @@ std::int32_t rewrite_copy(ComPtr<IStorage> root, std::int32_t flags) {
     copy.v_setDocumentStream(std::move(stream));
     copy.v_readPersistDirectory();
     copy.v_buildObjectArray();
+    // Another process may have put another file at the loaded one's path, or at the copy's after it
+    // was made. Nothing of it is mixed with what is loaded.
+    if (!copy.b_isLaidOutAs(*state().presentation)) {
+        v_setErrorParamText(document_path());
+        return status::kInUseByOther;
+    }
     status = j_rewriteLinks(copy, flags);
     copy.v_releaseDocumentStream();
     v_logLine("Link paths have been rewritten");
@@ -111,6 +127,9 @@ std::int32_t rewrite_file(char* path, std::int32_t flags) {
                            v_setErrorParamText(path);
                            return status::kWriteFault;
                        });
+    if (status == status::kSuccess && state().has_option('w')) {
+        tell_not_written(state().links_not_written);
+    }
     v_unload();
     v_logLine("File has been rewritten, j_status=", std::to_string(status));
     return status;

@@ -208,6 +208,7 @@ void take_apart(const RawRelink& raw, RelinkArguments& relink) {
 
 Command parse_arguments(int argc, const char* const* argv) {
     CLI::App app(kDescription, "pptlinks");
+    app.allow_windows_style_options(false); // a path may begin with a slash everywhere
     app.set_version_flag("--version", std::string("pptlinks ") + PPTLINKS_VERSION);
     app.footer(kExamples);
     app.require_subcommand(1);

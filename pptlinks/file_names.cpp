@@ -1,8 +1,8 @@
 #include "pptlinks/file_names.h"
 
-#include "platform/posix/settings.h"
 #include "plugin/status.h"
 #include "pptlinks/failure.h"
+#include "pptlinks/machine.h"
 #include "pptlinks/text_encoding.h"
 
 #include <filesystem>
@@ -53,7 +53,7 @@ FileName file_name(const std::string& typed) {
     file.is_windows_path = has_windows_root(typed);
     if (file.is_windows_path) {
         file.ansi = ansi_or_throw(typed);
-        file.native = platform::to_native_path(file.ansi);
+        file.native = native_path(file.ansi);
         return file;
     }
     file.native = absolute_name(typed);

@@ -1,15 +1,8 @@
 #include "pptlinks/output_file.h"
 
 #include "pptlinks/failure.h"
+#include "pptlinks/machine.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <fcntl.h>
 #include <filesystem>
 #include <utility>
 
@@ -17,10 +10,10 @@ namespace pptlinks {
 
 namespace {
 
-constexpr const char* kTemporaryName = ".pptlinks-XXXXXX"; // for mkstemp
+constexpr const char* kTemporaryName = ".pptlinks-XXXXXX"; // for create_temporary_file
 
-std::string reason(int error) {
-    return std::string(" (") + std::strerror(error) + ")";
+std::string reason(const std::error_code& error) {
+    return " (" + error.message() + ")";
 }
 
 // The file that OUT names through symbolic links, if there is one. A Windows path stays as it is:
@@ -49,7 +42,8 @@ OutputFile::OutputFile(const FileName& source, const FileName& out)
 
 OutputFile::~OutputFile() {
     if (exists_) {
-        ::unlink(temporary_.native.c_str());
+        std::error_code ignored;
+        std::filesystem::remove(temporary_.native, ignored);
     }
 }
 
@@ -68,65 +62,44 @@ void OutputFile::require_folder() const {
     }
 }
 
-void OutputFile::look_at_old_file() {
-    struct stat old {};
-    if (::stat(out_.native.c_str(), &old) != 0) {
+void OutputFile::look_at_old_file() const {
+    std::error_code error;
+    const std::filesystem::file_status old = std::filesystem::status(out_.native, error);
+    if (!std::filesystem::exists(old)) {
         return;
     }
-    if (S_ISDIR(old.st_mode)) {
+    if (std::filesystem::is_directory(old)) {
         fail("this is a folder; give the name of a file in it");
     }
-    if (!S_ISREG(old.st_mode)) {
+    if (!std::filesystem::is_regular_file(old)) {
         fail("this is not a plain file; choose another name");
     }
-    if (::access(out_.native.c_str(), W_OK) != 0) {
+    if (!is_writable(out_.native)) {
         fail("the file that is there may not be replaced; remove its write protection or choose "
              "another name");
     }
-    replaced_mode_ = old.st_mode & static_cast<mode_t>(07777);
 }
 
 const std::string& OutputFile::create() {
     std::string path = beside(out_, kTemporaryName).native;
-    const int descriptor = ::mkstemp(path.data());
-    if (descriptor < 0) {
-        fail("no file can be created in its folder" + reason(errno) +
+    if (const std::error_code error = create_temporary_file(path)) {
+        fail("no file can be created in its folder" + reason(error) +
              "; check the folder's permissions and the free space");
     }
-    ::close(descriptor);
     temporary_.native = path;
     exists_ = true;
     temporary_ = beside(out_, std::filesystem::path(path).filename().string());
     return temporary_.ansi;
 }
 
-mode_t OutputFile::final_mode() const {
-    if (replaced_mode_) {
-        return *replaced_mode_;
-    }
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    return static_cast<mode_t>(0666) & ~mask;
-}
-
-void OutputFile::set_mode_and_flush() const {
-    const int descriptor = ::open(temporary_.native.c_str(), O_RDONLY | O_CLOEXEC);
-    if (descriptor < 0) {
-        fail("the finished copy cannot be opened" + reason(errno) + "; try again");
-    }
-    const bool done =
-        ::fchmod(descriptor, final_mode()) == 0 && (!replaced_mode_ || ::fsync(descriptor) == 0);
-    const int error = errno;
-    ::close(descriptor);
-    if (!done) {
+void OutputFile::publish() {
+    if (const std::error_code error = finish_temporary_file(temporary_.native, out_.native)) {
         fail("the copy could not be finished" + reason(error) + "; check the disk and try again");
     }
-}
-
-void OutputFile::publish() {
-    set_mode_and_flush();
-    if (std::rename(temporary_.native.c_str(), out_.native.c_str()) != 0) {
-        fail("the finished copy could not be given this name" + reason(errno) +
+    std::error_code error;
+    std::filesystem::rename(temporary_.native, out_.native, error);
+    if (error) {
+        fail("the finished copy could not be given this name" + reason(error) +
              "; choose another name");
     }
     exists_ = false;

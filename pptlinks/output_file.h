@@ -4,9 +4,6 @@
 
 #include "pptlinks/file_names.h"
 
-#include <sys/types.h>
-
-#include <optional>
 #include <string>
 
 namespace pptlinks {
@@ -33,14 +30,11 @@ class OutputFile {
   private:
     [[noreturn]] void fail(const std::string& problem) const;
     void require_folder() const;
-    void look_at_old_file();
-    mode_t final_mode() const;
-    void set_mode_and_flush() const;
+    void look_at_old_file() const;
 
     FileName out_;
     FileName temporary_;
-    std::optional<mode_t> replaced_mode_; // of the file at OUT, if there is one
-    bool exists_ = false;                 // the temporary file
+    bool exists_ = false; // the temporary file
 };
 
 } // namespace pptlinks

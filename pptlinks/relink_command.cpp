@@ -1,12 +1,13 @@
 #include "pptlinks/relink_command.h"
 
-#include "platform/posix/settings.h"
 #include "pptlinks/file_names.h"
+#include "pptlinks/machine.h"
 #include "pptlinks/messages.h"
 #include "pptlinks/output.h"
 #include "pptlinks/output_file.h"
 #include "pptlinks/relink_plan.h"
 #include "pptlinks/relink_report.h"
+#include "pptlinks/source_watch.h"
 #include "pptlinks/text_encoding.h"
 
 namespace pptlinks {
@@ -83,10 +84,25 @@ void apply_ids(LoadedPresentation& presentation, const RelinkArguments& argument
     }
 }
 
+// The links that keep their path. Whatever comes of a presentation that changes meanwhile is not
+// kept.
+std::vector<std::int32_t> rewrite(LoadedPresentation& presentation, const SourceWatch& source,
+                                  OutputFile& output) {
+    try {
+        std::vector<std::int32_t> not_written = presentation.rewrite(output.create());
+        source.require_same();
+        return not_written;
+    } catch (const StatusFailure&) {
+        source.require_same();
+        throw;
+    }
+}
+
 // Gives the exit status.
 int relink(const Session& session, const RelinkArguments& arguments) {
     const FileName source = file_name(arguments.file);
     OutputFile output(source, file_name(arguments.out));
+    const SourceWatch watch(source);
     LoadedPresentation presentation(session, source.ansi);
     complain_of(presentation.unread(), arguments.file);
     require_links(presentation, arguments);
@@ -96,7 +112,7 @@ int relink(const Session& session, const RelinkArguments& arguments) {
     Changes changes = apply_paths(presentation, links, plan);
     changes.unread = presentation.unread();
     apply_ids(presentation, arguments);
-    changes.not_written = presentation.rewrite(output.create());
+    changes.not_written = rewrite(presentation, watch, output);
     output.publish();
     for (const std::int32_t index : changes.not_written) {
         const std::string why = why_not_written(links[static_cast<std::size_t>(index)], index);
@@ -109,7 +125,7 @@ int relink(const Session& session, const RelinkArguments& arguments) {
 } // namespace
 
 int run_relink(const RelinkArguments& arguments) {
-    platform::trust_link_targets(arguments.trust_targets);
+    trust_link_targets(arguments.trust_targets);
     const Session session(arguments.common);
     try {
         return relink(session, arguments);

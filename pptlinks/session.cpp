@@ -1,10 +1,11 @@
 #include "pptlinks/session.h"
 
 #include "common_new/common/target_access.h"
-#include "platform/posix/settings.h"
 #include "plugin/exports.h"
 #include "plugin/state.h"
 #include "plugin/status.h"
+#include "pptlinks/machine.h"
+#include "pptlinks/number_parameter.h"
 #include "pptlinks/text_encoding.h"
 #include "reader/presentation.h"
 #include "reader/record_types.h"
@@ -137,19 +138,14 @@ std::string_view name_of(LinkKind kind) {
 
 Session::Session(const CommonArguments& arguments)
     : keeps_going_(!arguments.strict) {
-    if (arguments.code_page && !platform::set_ansi_code_page(*arguments.code_page)) {
-        throw UsageError("--code-page: this system does not know code page " +
-                         std::to_string(*arguments.code_page));
+    if (arguments.code_page) {
+        use_code_page(*arguments.code_page);
     }
     for (const std::string& entry : arguments.drives) {
-        if (!platform::map_drive(entry)) {
-            throw UsageError("--drive: '" + entry +
-                             "' is not of the form 'Z:=/folder', '\\\\server\\share=/folder' or "
-                             "'Z:=\\\\server\\share'");
-        }
+        map_drive(entry);
     }
     v_setNewMode();
-    const std::string options = arguments.options + (keeps_going_ ? "k" : "");
+    const std::string options = arguments.options + (keeps_going_ ? "kw" : "w");
     const std::int32_t result = j_initDLL(kVersionCeiling, 0, options.c_str());
     if (result != ppt::status::kSuccess) {
         throw StatusFailure(result, {});
@@ -221,9 +217,10 @@ std::optional<std::string> LoadedPresentation::target_file_id() const {
 }
 
 bool LoadedPresentation::set_path(std::int32_t index, const std::string& path) {
+    const std::string before = link(index).path;
     const ErrorParameterMark mark;
     mark.require_success(j_setLinkFileName(index, path.c_str(), 0));
-    return record_at(index).path_changed();
+    return link(index).path != before;
 }
 
 void LoadedPresentation::set_id(std::int32_t index, const std::string& id) {
@@ -242,8 +239,12 @@ std::vector<std::int32_t> LoadedPresentation::rewrite(const std::string& ansi_pa
     std::vector<char> path(ansi_path.begin(), ansi_path.end()); // changed in place by the call
     path.push_back('\0');
     mark.require_success(j_rewriteFile(path.data(), kAllFlags), true);
-    const std::vector<std::size_t>& not_written = ppt::state().links_not_written;
-    return {not_written.begin(), not_written.end()};
+    std::vector<std::int32_t> not_written;
+    for (const WideString& number : split_parameters(error_parameter_text())) {
+        not_written.push_back(number_from<std::int32_t>(number));
+    }
+    not_written.erase(not_written.begin()); // their number
+    return not_written;
 }
 
 std::string found_target(const std::string& ansi_target, const std::string& ansi_presentation) {

@@ -1,7 +1,7 @@
 #include "pptlinks/target_check.h"
 
-#include "platform/posix/settings.h"
 #include "plugin/status.h"
+#include "pptlinks/machine.h"
 #include "pptlinks/messages.h"
 
 #include <algorithm>
@@ -26,7 +26,7 @@ bool is_scheme_character(char c) {
 
 // A relative path lies below the presentation's folder, which was mapped when that was opened.
 bool is_unmapped(const std::string& path) {
-    return platform::to_native_path(path).empty();
+    return native_path(path).empty();
 }
 
 Target not_found(const StatusFailure& failure, const std::string& path) {

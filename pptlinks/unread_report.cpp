@@ -1,28 +1,15 @@
 #include "pptlinks/unread_report.h"
 
-#include "plugin/status.h"
 #include "pptlinks/messages.h"
+#include "pptlinks/number_parameter.h"
 #include "pptlinks/output.h"
 #include "pptlinks/text_encoding.h"
 
-#include <charconv>
 #include <string_view>
 
 namespace pptlinks {
 
 namespace {
-
-template <class Number>
-Number number_from(const WideString& parameter) {
-    const std::string text = utf8_from_wide(parameter);
-    Number number{};
-    const char* const end = text.data() + text.size();
-    const auto result = std::from_chars(text.data(), end, number);
-    if (result.ec != std::errc() || result.ptr != end) {
-        throw StatusFailure(ppt::status::kOutOfMemory, {});
-    }
-    return number;
-}
 
 bool is_page(std::string_view kind) {
     return kind == "slide" || kind == "master" || kind == "notes";

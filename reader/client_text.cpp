@@ -40,6 +40,7 @@ void ClientText::keep(PptRecord& atom) {
     if (!is_kept_type()) {
         return;
     }
+    state().links.count_text(atom.body.size()); // pages that overlap would keep it again
     const bool one_byte_each = atom.is(RT_TextBytesAtom);
     text_ = Shared(StoredText(std::move(atom.body), one_byte_each, b_holdsAnsiBytes(atom)));
 }

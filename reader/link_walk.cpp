@@ -81,6 +81,7 @@ class DocumentWalk {
     bool first_slide_walked_ = false;
     std::optional<std::uint32_t> page_offset_; // of the page that is being walked
     std::uint64_t page_bytes_ = 0;             // of all pages walked
+    std::uint64_t tag_bytes_ = 0;              // of all tags kept
     std::uint32_t shape_count_ = 0;            // that the drawing of the current page claims
     std::vector<PageTags> tags_;
 };
@@ -178,7 +179,7 @@ void DocumentWalk::leave_out(const Mark& mark, std::int32_t status) {
 }
 
 void DocumentWalk::require_few_passes() const {
-    const bool pages_overlap = page_bytes_ > kMostPasses * presentation_.document_size();
+    const bool pages_overlap = page_bytes_ > kMostPasses * presentation_.readable_size();
     if (pages_overlap) {
         throw static_cast<int>(status::kDamaged);
     }
@@ -257,6 +258,11 @@ void DocumentWalk::read_name_tag(const PptRecord& name, std::uint32_t persist_id
 
 void DocumentWalk::read_link_number_tags(PptRecord& tags) {
     constexpr std::uint64_t kTagsWithoutShape = 20;
+    tag_bytes_ += tags.header.length;
+    const bool pages_overlap = tag_bytes_ > presentation_.readable_size();
+    if (pages_overlap) {
+        throw static_cast<int>(status::kDamaged);
+    }
     PageTags page{running_index_, {}};
     if (n_readLinkNumberTags(tags, shape_count_ + kTagsWithoutShape, page.entries) > 0) {
         state().ids_in_document = true;

@@ -4,11 +4,13 @@
 #include "plugin/document_path.h"
 #include "plugin/error_params.h"
 #include "plugin/status.h"
+#include "reader/presentation.h"
 
 #define ZLIB_CONST
 #include <zlib.h>
 
 #include <algorithm>
+#include <limits>
 #include <new>
 #include <utility>
 
@@ -20,10 +22,14 @@ constexpr std::uint16_t kCompressedInstance = 1;
 constexpr std::size_t kRoomToGrow = 1000;
 constexpr std::size_t kSizePrefix = 4;
 
-[[noreturn]] void throw_no_block(std::size_t size) {
+// As an error parameter.
+std::int32_t number(std::size_t size) {
     constexpr std::size_t kMost = 0x7FFFFFFF;
-    v_setErrorParamNumbers(static_cast<std::int32_t>(std::min(size, kMost)),
-                           n_getAvailablePhysicalMemory());
+    return static_cast<std::int32_t>(std::min(size, kMost));
+}
+
+[[noreturn]] void throw_no_block(std::size_t size) {
+    v_setErrorParamNumbers(number(size), n_getAvailablePhysicalMemory());
     throw static_cast<int>(status::kOutOfMemory);
 }
 
@@ -33,6 +39,11 @@ constexpr std::size_t kSizePrefix = 4;
     }
     v_setErrorParamTextAndNumber(document_path(), zlib_result);
     throw static_cast<int>(status::kBadDecompression);
+}
+
+[[noreturn]] void throw_too_large(std::size_t declared, std::size_t most) {
+    v_setErrorParamNumbers(number(declared), number(most));
+    throw static_cast<int>(status::kDamaged);
 }
 
 class Inflater {
@@ -116,7 +127,7 @@ bool b_isCompressed(const PptRecord& storage_record) {
     return storage_record.header.instance() == kCompressedInstance;
 }
 
-MemoryBlock v_inflateObjectStorage(bytes::View body) {
+MemoryBlock v_inflateObjectStorage(bytes::View body, std::size_t most) {
     constexpr std::size_t kFirstPiece = std::size_t{16} * 1024;
     const bool is_packed = body.size() >= kSizePrefix + 2 && body[kSizePrefix] == 0x78 &&
                            body[kSizePrefix + 1] == 0x9C;
@@ -124,9 +135,10 @@ MemoryBlock v_inflateObjectStorage(bytes::View body) {
         throw static_cast<int>(status::kDamaged);
     }
     const std::size_t declared = bytes::load_u32(body, 0);
+    const std::size_t allowed = std::min(declared, most);
     Inflater inflater(body.subspan(kSizePrefix));
     std::size_t size = 0;
-    std::size_t room = std::min(declared, std::max(kFirstPiece, 2 * body.size()));
+    std::size_t room = std::min(allowed, std::max(kFirstPiece, 2 * body.size()));
     MemoryBlock block(room + kRoomToGrow);
     for (;;) {
         size += inflater.read(LockedBytes(block).get().subspan(size, room - size));
@@ -136,7 +148,10 @@ MemoryBlock v_inflateObjectStorage(bytes::View body) {
         if (room == declared) {
             throw_zlib_failure(Z_BUF_ERROR);
         }
-        room = std::min(declared, 2 * room);
+        if (room == allowed) {
+            throw_too_large(declared, most);
+        }
+        room = std::min(allowed, 2 * room);
         block.resize(room + kRoomToGrow);
     }
     block.resize(size + kRoomToGrow);
@@ -147,7 +162,11 @@ MemoryBlock v_inflateObjectStorage(bytes::View body) {
 
 MemoryBlock object_storage(const PptRecord& storage_record) {
     if (b_isCompressed(storage_record)) {
-        return v_inflateObjectStorage(storage_record.body);
+        const std::uint64_t most =
+            kFreelyUnpacked + kUnpackedPerByte * storage_record.owner->readable_size();
+        constexpr std::uint64_t kAddressable = std::numeric_limits<std::size_t>::max();
+        return v_inflateObjectStorage(storage_record.body,
+                                      static_cast<std::size_t>(std::min(most, kAddressable)));
     }
     MemoryBlock block(storage_record.body.size());
     std::ranges::copy(storage_record.body, LockedBytes(block).get().begin());

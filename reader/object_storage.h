@@ -51,10 +51,16 @@ bool b_isCompressed(const PptRecord& storage_record);
 // Decompresses the body of a compressed record: the size of the storage, then a zlib stream. The
 // block is 1000 bytes larger than what came out, room for the storage to grow in place. 8140 unless
 // the stream begins with 0x78 0x9C; 7155 with the document path and zlib's result for damaged data
-// and for more of it than the size says. Memory follows the data that really comes out.
-MemoryBlock v_inflateObjectStorage(bytes::View body);
+// and for more of it than the size says; 8140 with both numbers for data that becomes more than
+// `most` bytes. Memory follows the data that really comes out.
+MemoryBlock v_inflateObjectStorage(bytes::View body, std::size_t most);
 
-// A block with the storage of a record of either form.
+// A storage is unpacked up to this size and this many times that of its document, whichever zlib
+// data the document holds: a thousandth of it can make as much.
+inline constexpr std::size_t kFreelyUnpacked = std::size_t{32} << 20;
+inline constexpr std::size_t kUnpackedPerByte = 4;
+
+// A block with the storage of a record of either form. Throws what v_inflateObjectStorage throws.
 MemoryBlock object_storage(const PptRecord& storage_record);
 
 } // namespace ppt

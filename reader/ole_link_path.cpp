@@ -8,6 +8,7 @@
 #include "plugin/failure.h"
 #include "plugin/link_record.h"
 #include "plugin/status.h"
+#include "reader/readable_size.h"
 
 #include <algorithm>
 #include <array>
@@ -41,7 +42,8 @@ bytes::Bytes relative_moniker(IStorage* storage) {
         return data;
     }
     const std::uint64_t wanted = size + kBytesBehind;
-    const std::uint64_t available = size_of(stream.get()) - kDataOffset;
+    const std::uint64_t available =
+        n_readableSize(stream.get(), size_of(stream.get())) - kDataOffset;
     if (wanted > available) {
         v_setErrorParamTextAndNumber(document_path(), static_cast<std::int32_t>(available));
         b_appendErrorParamNumber(static_cast<std::int32_t>(wanted));

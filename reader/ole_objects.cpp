@@ -80,7 +80,7 @@ const LinkPath& OleObjects::path_at(std::uint32_t offset, PptPresentation& prese
 }
 
 std::string OleObjects::read_path(std::uint32_t offset, PptPresentation& presentation) {
-    const auto storages_overlap = [&] { return bytes_read_ > presentation.document_size(); };
+    const auto storages_overlap = [&] { return bytes_read_ > presentation.readable_size(); };
     if (storages_overlap()) {
         throw static_cast<int>(status::kDamaged);
     }

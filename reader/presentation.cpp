@@ -6,6 +6,7 @@
 #include "plugin/error_params.h"
 #include "plugin/failure.h"
 #include "plugin/status.h"
+#include "reader/readable_size.h"
 #include "reader/record_header.h"
 #include "reader/record_types.h"
 
@@ -15,6 +16,8 @@
 namespace ppt {
 
 namespace {
+
+constexpr std::size_t kStoredEditSize = kRecordHeaderSize + kUserEditSize;
 
 RecordHeader read_header(IStream* stream) {
     RecordHeaderBytes raw{};
@@ -67,6 +70,7 @@ IStream* PptPresentation::ps_getDocumentStream() {
 void PptPresentation::v_setDocumentStream(ComPtr<IStream> stream) {
     document_ = std::move(stream);
     document_size_.reset();
+    readable_size_.reset();
 }
 
 void PptPresentation::v_releaseDocumentStream() {
@@ -91,6 +95,13 @@ std::uint64_t PptPresentation::document_size() {
     return stat.cbSize.QuadPart;
 }
 
+std::uint64_t PptPresentation::readable_size() {
+    if (!readable_size_) {
+        readable_size_ = n_readableSize(stream_or_throw(), document_size());
+    }
+    return *readable_size_;
+}
+
 void PptPresentation::v_readPersistDirectory() {
     if (current_user_edit_ || current_user_.offset_to_current_edit == 0) {
         return;
@@ -100,7 +111,8 @@ void PptPresentation::v_readPersistDirectory() {
     std::uint32_t offset = current_user_.offset_to_current_edit;
     do {
         const bool returned_to_an_edit = !edits_seen.insert(offset).second;
-        if (returned_to_an_edit) {
+        const bool edits_overlap = edits_seen.size() * kStoredEditSize > readable_size();
+        if (returned_to_an_edit || edits_overlap) {
             throw static_cast<int>(status::kDamaged);
         }
         UserEdit edit;
@@ -140,7 +152,7 @@ void PptPresentation::read_persist_block(std::uint32_t offset) {
         throw static_cast<int>(status::kDamaged);
     }
     // No memory is taken on the word of a header whose body the stream does not hold.
-    const std::uint64_t available = document_size() - n_tellDocument();
+    const std::uint64_t available = readable_size() - n_tellDocument();
     if (header.length > available) {
         v_setErrorParamText(document_path());
         b_appendErrorParamNumber(static_cast<std::int32_t>(available));
@@ -148,7 +160,7 @@ void PptPresentation::read_persist_block(std::uint32_t offset) {
         throw static_cast<int>(status::kShortRead);
     }
     persist_bytes_read_ += header.length;
-    const bool directories_overlap = persist_bytes_read_ > document_size();
+    const bool directories_overlap = persist_bytes_read_ > readable_size();
     if (directories_overlap) {
         throw static_cast<int>(status::kDamaged);
     }
@@ -178,6 +190,10 @@ void PptPresentation::v_buildObjectArray() {
         }
         persist_directory_->v_noteObjectAtStart(document);
     }
+}
+
+bool PptPresentation::b_isLaidOutAs(PptPresentation& other) {
+    return user_edits_ == other.user_edits_ && document_size() == other.document_size();
 }
 
 void PptPresentation::v_seekDocumentContainer() {
@@ -218,7 +234,7 @@ void PptPresentation::v_readDocument(std::span<std::uint8_t> out) {
 }
 
 void PptPresentation::v_requireDocumentBytes(std::uint32_t count) {
-    const std::uint64_t size = document_size();
+    const std::uint64_t size = readable_size();
     const std::uint64_t position = n_tellDocument();
     const bool inside =
         position <= size && count <= size - position && std::in_range<std::int32_t>(count);

@@ -32,6 +32,8 @@ struct Page {
 struct StoredUserEdit {
     std::uint32_t offset = 0;
     UserEdit edit;
+
+    bool operator==(const StoredUserEdit&) const = default;
 };
 
 class PptPresentation {
@@ -53,9 +55,13 @@ class PptPresentation {
 
     // Follows the chain of user edits from the newest back and reads each persist directory. Throws
     // 8140 for a record of another kind, for a chain that returns to an edit already read and for
-    // directories that together are larger than the stream.
+    // edits or directories that together are larger than the stream.
     void v_readPersistDirectory();
     void v_buildObjectArray();
+
+    // Whether both document streams have the same size and the same user edits, as a presentation
+    // and its copy have.
+    bool b_isLaidOutAs(PptPresentation& other);
 
     // Stands the stream at the document container. 8140 without a user edit, 5650 when the
     // directory does not list the container.
@@ -69,7 +75,10 @@ class PptPresentation {
     void v_readDocument(std::span<std::uint8_t> out);
     // Throws 8140 unless the stream holds `count` more bytes and a seek can skip them.
     void v_requireDocumentBytes(std::uint32_t count);
+    // As the compound file says.
     std::uint64_t document_size();
+    // What of it can be read: the bound of all that is read, allocated and counted on its word.
+    std::uint64_t readable_size();
 
     PersistDirectory& persist_directory();
     bool has_user_edit() const { return current_user_edit_.has_value(); }
@@ -94,6 +103,7 @@ class PptPresentation {
     ComPtr<IStorage> root_;
     ComPtr<IStream> document_;
     std::optional<std::uint64_t> document_size_; // of a stream that nobody writes
+    std::optional<std::uint64_t> readable_size_; // before anybody wrote it
     CurrentUser current_user_;
     bool current_user_valid_ = false;
     std::optional<UserEdit> current_user_edit_;

@@ -37,6 +37,8 @@ struct UserEdit {
     std::uint32_t persist_id_seed = 0;
     std::uint16_t last_view = 0;
     std::uint16_t unused = 0;
+
+    bool operator==(const UserEdit&) const = default;
 };
 
 using CurrentUserBytes = std::array<std::uint8_t, kCurrentUserSize>;

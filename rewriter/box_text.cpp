@@ -113,7 +113,7 @@ bool BoxText::starts_a_range(std::uint32_t start) const {
 
 // In the order of the text.
 std::vector<BoxText::Change> BoxText::changes_of(const std::vector<const LinkRecord*>& links,
-                                                 bool is_only_text) const {
+                                                 bool is_only_text) {
     std::vector<Change> changes;
     for (const LinkRecord* link : links) {
         if (!link->path_changed() || !b_textFollowsPath(*link)) {
@@ -122,8 +122,9 @@ std::vector<BoxText::Change> BoxText::changes_of(const std::vector<const LinkRec
         if (changes.size() == kMostReplacements) {
             break;
         }
+        const auto start = static_cast<std::uint32_t>(link->text_range_start);
         Change change;
-        if (find_range(*link, change) && (is_only_text || starts_a_range(change.start))) {
+        if ((is_only_text || starts_a_range(start)) && find_range(*link, change)) {
             change.words = words_of(*link);
             changes.push_back(std::move(change));
         }
@@ -135,7 +136,7 @@ std::vector<BoxText::Change> BoxText::changes_of(const std::vector<const LinkRec
 
 // What the link covers of this text, without the paragraph marks at its end: replacing those would
 // join two paragraphs.
-bool BoxText::find_range(const LinkRecord& link, Change& change) const {
+bool BoxText::find_range(const LinkRecord& link, Change& change) {
     const bool is_range = link.text_range_start >= 0 &&
                           link.text_range_start <= link.text_range_end &&
                           static_cast<std::uint32_t>(link.text_range_start) <= length_;
@@ -144,11 +145,24 @@ bool BoxText::find_range(const LinkRecord& link, Change& change) const {
     }
     change.link = &link;
     change.start = static_cast<std::uint32_t>(link.text_range_start);
-    change.end = std::min(static_cast<std::uint32_t>(link.text_range_end), length_);
-    while (change.end > change.start && unit(change.end - 1) == kParagraphMark) {
-        --change.end;
-    }
+    const std::uint32_t end = std::min(static_cast<std::uint32_t>(link.text_range_end), length_);
+    change.end = std::max(change.start, end_of_words(end));
     return true;
+}
+
+// Where the paragraph marks in front of `end` begin. Many ranges may end in the same stretch of
+// them, so none is looked at twice.
+std::uint32_t BoxText::end_of_words(std::uint32_t end) {
+    const auto behind = words_before_.upper_bound(end);
+    const auto known = behind == words_before_.begin() ? behind : std::prev(behind);
+    const std::uint32_t known_end = known == behind ? 0 : known->first;
+    std::uint32_t at = end;
+    while (at > known_end && unit(at - 1) == kParagraphMark) {
+        --at;
+    }
+    at = at == known_end && known != behind ? known->second : at;
+    words_before_.emplace(end, at);
+    return at;
 }
 
 BoxText::Units BoxText::words_of(const LinkRecord& link) const {

@@ -12,6 +12,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -52,9 +53,9 @@ class BoxText {
 
     WCHAR unit(std::uint32_t at) const;
     bool starts_a_range(std::uint32_t start) const;
-    std::vector<Change> changes_of(const std::vector<const LinkRecord*>& links,
-                                   bool is_only_text) const;
-    bool find_range(const LinkRecord& link, Change& change) const;
+    std::uint32_t end_of_words(std::uint32_t end);
+    std::vector<Change> changes_of(const std::vector<const LinkRecord*>& links, bool is_only_text);
+    bool find_range(const LinkRecord& link, Change& change);
     Units words_of(const LinkRecord& link) const;
     bool explains_runs(PptPresentation& loaded) const;
     std::int32_t replace(std::vector<Change> changes, const std::vector<const LinkRecord*>& links,
@@ -71,7 +72,8 @@ class BoxText {
     std::vector<std::uint32_t> followers_;    // places in the loaded document stream
     std::vector<Range> ranges_;               // of those followers that are ranges, in their order
     std::vector<std::uint32_t> range_starts_; // ascending once the text is written
-    TextReplacements replacements_;           // none: the text stays as it is
+    std::map<std::uint32_t, std::uint32_t> words_before_; // ends of ranges, see end_of_words
+    TextReplacements replacements_;                       // none: the text stays as it is
 };
 
 } // namespace ppt

@@ -12,16 +12,16 @@
 #include "reader/object_storage.h"
 #include "rewriter/record_writer.h"
 
+#define ZLIB_CONST
 #include <zlib.h>
 
 #include <new>
 #include <optional>
+#include <utility>
 
 namespace ppt {
 
 namespace {
-
-constexpr std::size_t kSizePrefix = 4;
 
 using WidePath = std::basic_string<WCHAR>;
 
@@ -57,22 +57,48 @@ bool retarget(IStorage* storage, const WidePath& wide_path, const std::string& p
     return true;
 }
 
+// Packs a storage piece by piece: the room that zlib asks for beforehand is that of the storage
+// itself.
+class Deflater {
+  public:
+    explicit Deflater(bytes::View source) {
+        stream_.next_in = source.data();
+        stream_.avail_in = static_cast<uInt>(source.size());
+        ready_ = deflateInit(&stream_, Z_DEFAULT_COMPRESSION);
+    }
+    Deflater(const Deflater&) = delete;
+    Deflater& operator=(const Deflater&) = delete;
+    ~Deflater() { deflateEnd(&stream_); }
+
+    // Appends all of it; returns zlib's result, Z_STREAM_END for success.
+    int append_to(bytes::Bytes& out) {
+        constexpr std::size_t kPiece = std::size_t{64} * 1024;
+        int result = ready_;
+        while (result == Z_OK) {
+            const std::size_t size = out.size();
+            resize_checked(out, size + kPiece);
+            stream_.next_out = out.data() + size;
+            stream_.avail_out = static_cast<uInt>(kPiece);
+            result = deflate(&stream_, Z_FINISH);
+            out.resize(size + kPiece - stream_.avail_out);
+        }
+        return result;
+    }
+
+  private:
+    z_stream stream_{};
+    int ready_ = Z_OK;
+};
+
 // The size of the storage, then the storage compressed; nothing when zlib cannot.
 std::optional<bytes::Bytes> compressed_body(bytes::View storage) {
-    uLongf size = compressBound(static_cast<uLong>(storage.size()));
     bytes::Bytes body;
-    resize_checked(body, kSizePrefix + size);
-    bytes::store_u32(body, 0, static_cast<std::uint32_t>(storage.size()));
-    const int result = compress(body.data() + kSizePrefix, &size, storage.data(),
-                                static_cast<uLong>(storage.size()));
+    bytes::append_u32(body, static_cast<std::uint32_t>(storage.size()));
+    const int result = Deflater(storage).append_to(body);
     if (result == Z_MEM_ERROR) {
         throw std::bad_alloc();
     }
-    if (result != Z_OK) {
-        return std::nullopt;
-    }
-    body.resize(kSizePrefix + size);
-    return body;
+    return result == Z_STREAM_END ? std::optional(std::move(body)) : std::nullopt;
 }
 
 std::optional<bytes::Bytes> storage_body(const PptRecord& record, const MemoryBlock& block) {

@@ -161,8 +161,9 @@ void move_rest(RewriteCopy& copy) {
 }
 
 std::int32_t set_document_size(PptPresentation& copy, std::uint32_t size) {
-    const HRESULT result = copy.ps_getDocumentStream()->SetSize(ULARGE_INTEGER{size});
-    return j_translateComError(result);
+    ULARGE_INTEGER wide_size{};
+    wide_size.QuadPart = size;
+    return j_translateComError(copy.ps_getDocumentStream()->SetSize(wide_size));
 }
 
 std::int32_t write_current_user(PptPresentation& copy) {

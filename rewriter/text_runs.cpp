@@ -18,6 +18,9 @@ struct Run {
 
 using Runs = std::vector<Run>;
 
+// A run of a damaged file may claim that many, and does not grow any more then.
+constexpr std::uint64_t kMostInRun = 0xFFFFFFFF;
+
 void skip_properties(bytes::Cursor& cursor, const RunLayout& layout) {
     cursor.skip(layout.size_before_mask);
     const std::uint32_t mask = cursor.u32();
@@ -84,7 +87,8 @@ void adjust(bytes::Bytes& body, const Runs& runs, std::span<const TextReplacemen
             }
             ++stretch;
         }
-        bytes::store_u32(body, run.offset, static_cast<std::uint32_t>(count));
+        bytes::store_u32(body, run.offset,
+                         static_cast<std::uint32_t>(std::min<std::uint64_t>(count, kMostInRun)));
         begin = run.end;
     }
 }

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <limits>
 #include <utility>
 
 namespace ppt {
@@ -69,6 +70,21 @@ std::int32_t clamp_count(std::size_t count) {
 
 std::int32_t denied(bool read_only) {
     return read_only ? status::kAccessDenied : status::kWriteProtected;
+}
+
+// A place in front of the start is refused, but not by all streams: with some the next read fails
+// or ends the process. There the stream is taken back.
+HRESULT seek(IStream& stream, std::int32_t offset, DWORD origin, ULARGE_INTEGER& position) {
+    constexpr auto kLargest = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
+    LARGE_INTEGER move{};
+    move.QuadPart = offset;
+    const HRESULT result = stream.Seek(move, origin, &position);
+    if (FAILED(result) || position.QuadPart <= kLargest) {
+        return result;
+    }
+    ULARGE_INTEGER start{};
+    stream.Seek(LARGE_INTEGER{}, STREAM_SEEK_SET, &start);
+    return STG_E_INVALIDFUNCTION;
 }
 
 } // namespace
@@ -210,11 +226,9 @@ std::int32_t j_seekStream(const char* name, IStream* stream, std::int32_t offset
     if (stream == nullptr || name == nullptr) {
         return status::kNullArgument;
     }
-    LARGE_INTEGER move{};
-    move.QuadPart = offset;
     ULARGE_INTEGER position{};
     const std::int32_t status =
-        status_of([&] { return stream->Seek(move, static_cast<DWORD>(origin), &position); });
+        status_of([&] { return seek(*stream, offset, static_cast<DWORD>(origin), position); });
     if (status == status::kSuccess && new_position != nullptr) {
         *new_position = static_cast<std::uint32_t>(position.QuadPart);
     }

@@ -1,6 +1,6 @@
-// Text in a Windows code page to UTF-16 and back. The tables come from the C library's iconv, one
-// page at a time, at the first use of the page; they then stay for the life of the process, and all
-// functions may be called from several threads at once.
+// Text in a Windows code page to UTF-16 and back. The tables come from the system (converter.h),
+// one page at a time, at the first use of the page; they then stay for the life of the process, and
+// all functions may be called from several threads at once.
 //
 // Known pages: the ASCII-based single-byte ones (437, 850, 852, 866, 874, 1250 to 1258, 10000,
 // 28591 ...), 932, 936, 949 and 950, and the Unicode pages 1200 (UTF-16LE) and 65001 (UTF-8). As on

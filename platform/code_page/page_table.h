@@ -16,7 +16,7 @@ class Converter;
 class PageTable {
   public:
     // The table of the page, built at the first call for it; null when the page is not known or the
-    // C library cannot convert it.
+    // system cannot convert it.
     static const PageTable* find(std::uint32_t page);
 
     PageTable(); // knows nothing yet
@@ -32,8 +32,8 @@ class PageTable {
 
   private:
     static std::unique_ptr<const PageTable> build(std::uint32_t page);
-    void fill_singles(std::uint32_t page, const Converter& to_utf16);
-    void fill_pairs(std::uint32_t page, const Converter& to_utf16, const Converter& from_utf16);
+    void fill_singles(std::uint32_t page, const Converter& converter);
+    void fill_pairs(std::uint32_t page, const Converter& converter);
 
     std::array<char16_t, 256> singles_{};
     std::vector<char16_t> pairs_;      // empty in a single-byte page

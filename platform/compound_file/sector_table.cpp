@@ -84,7 +84,7 @@ void SectorTable::load_lists(Backing& backing, const Header& header, Sector file
     }
 }
 
-std::uint32_t SectorTable::difat_sectors_for(std::size_t fat_sectors) const {
+std::uint32_t SectorTable::difat_sectors_for(std::uint64_t fat_sectors) const {
     if (fat_sectors <= kHeaderSlots) {
         return 0;
     }

@@ -45,7 +45,7 @@ class SectorTable final : public ChainTable {
   private:
     bool may_give_out(Sector sector) const override { return geometry_.may_give_out(sector); }
     std::uint32_t slots_per_difat() const { return geometry_.links_per_sector() - 1; }
-    std::uint32_t difat_sectors_for(std::size_t fat_sectors) const;
+    std::uint32_t difat_sectors_for(std::uint64_t fat_sectors) const;
     std::uint64_t difats_missing(std::uint64_t more_fat_sectors) const;
     void load_lists(Backing& backing, const Header& header, Sector file_sectors);
     void grow_pick(Pick& pick) const;

@@ -19,31 +19,31 @@ void assign(bytes::Bytes& bytes, bytes::View data) {
     bytes.assign(data.begin(), data.end());
 }
 
-// False when the moniker does not lie inside the stream.
-bool read_moniker(bytes::Cursor& cursor, bool size_counts_itself, bytes::Bytes& moniker) {
-    std::size_t size = cursor.u32();
-    if (size_counts_itself && size != 0) {
-        if (size < kSizeSize) {
-            return false;
-        }
-        size -= kSizeSize;
-    }
-    assign(moniker, cursor.take(size));
-    return cursor.ok();
-}
-
-void append_moniker(bytes::Bytes& out, const bytes::Bytes& moniker, bool size_counts_itself) {
-    const std::size_t own = size_counts_itself && !moniker.empty() ? kSizeSize : 0;
-    bytes::append_u32(out, static_cast<std::uint32_t>(moniker.size() + own));
-    bytes::append(out, moniker);
-}
-
 // Behind the monikers the class of the source is announced, unless the stream ends there.
 bool ends_like_monikers(bytes::Cursor cursor) {
     return cursor.ok() && (cursor.remaining() == 0 || cursor.u32() == kClassFollows);
 }
 
 } // namespace
+
+// False when the moniker does not lie inside the stream.
+bool LinkStream::read_moniker(bytes::Cursor& cursor, bool size_counts_itself, Stored& moniker) {
+    moniker.size = cursor.u32();
+    std::size_t size = moniker.size;
+    if (size_counts_itself && size != 0) {
+        if (size < kSizeSize) {
+            return false;
+        }
+        size -= kSizeSize;
+    }
+    assign(moniker.data, cursor.take(size));
+    return cursor.ok();
+}
+
+void LinkStream::append_moniker(bytes::Bytes& out, const Stored& moniker) {
+    bytes::append_u32(out, moniker.size);
+    bytes::append(out, moniker.data);
+}
 
 bool LinkStream::read_monikers(bytes::Cursor& cursor, bool sizes_count_themselves) {
     sizes_count_themselves_ = sizes_count_themselves;
@@ -82,16 +82,23 @@ LinkStream LinkStream::parse(bytes::View data) {
 }
 
 void LinkStream::set_absolute_source(bytes::Bytes moniker) {
-    relative_.clear();
-    absolute_ = std::move(moniker);
+    LinkStream changed = *this;
+    const std::size_t own = sizes_count_themselves_ && !moniker.empty() ? kSizeSize : 0;
+    changed.relative_ = {};
+    changed.absolute_ = {static_cast<std::uint32_t>(moniker.size() + own), std::move(moniker)};
+    // What stands behind the monikers of a damaged stream may make their sizes count otherwise.
+    if (parse(changed.serialise()).absolute_.data != changed.absolute_.data) {
+        throw platform::Error(platform::Errc::corrupt, "OLE stream with a new source");
+    }
+    *this = std::move(changed);
 }
 
 bytes::Bytes LinkStream::serialise() const {
     bytes::Bytes out = head_;
     if (is_link_) {
-        append_moniker(out, reserved_, sizes_count_themselves_);
-        append_moniker(out, relative_, sizes_count_themselves_);
-        append_moniker(out, absolute_, sizes_count_themselves_);
+        append_moniker(out, reserved_);
+        append_moniker(out, relative_);
+        append_moniker(out, absolute_);
     }
     bytes::append(out, rest_);
     return out;

@@ -20,22 +20,30 @@ class LinkStream {
     bool is_link() const { return is_link_; }
 
     // Class id and data of the moniker; empty when there is none.
-    bytes::View relative_source() const { return relative_; }
-    bytes::View absolute_source() const { return absolute_; }
+    bytes::View relative_source() const { return relative_.data; }
+    bytes::View absolute_source() const { return absolute_.data; }
 
     // Makes the object a link to this source and to no other: without a document to be relative to,
-    // the relative moniker goes, since readers would try its old source first.
+    // the relative moniker goes, since readers would try its old source first. Throws Errc::corrupt
+    // when this stream would not be read back with that source; nothing has changed then.
     void set_absolute_source(bytes::Bytes moniker);
 
     bytes::Bytes serialise() const;
 
   private:
+    struct Stored {
+        std::uint32_t size = 0; // as it stands in front of the data
+        bytes::Bytes data;
+    };
+
+    static bool read_moniker(bytes::Cursor& cursor, bool size_counts_itself, Stored& moniker);
+    static void append_moniker(bytes::Bytes& out, const Stored& moniker);
     bool read_monikers(bytes::Cursor& cursor, bool sizes_count_themselves);
 
     bytes::Bytes head_; // version, flags, update option, a reserved word
-    bytes::Bytes reserved_;
-    bytes::Bytes relative_;
-    bytes::Bytes absolute_;
+    Stored reserved_;
+    Stored relative_;
+    Stored absolute_;
     bytes::Bytes rest_; // the class of the source, a reserved name, times
     bool is_link_ = false;
     bool sizes_count_themselves_ = true;

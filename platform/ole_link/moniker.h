@@ -2,7 +2,8 @@
 // item, or a file composed with items ([MS-OSHARED] FileMoniker, ItemMoniker, CompositeMoniker).
 //
 // Monikers of other classes are bytes that nobody looks into. Since none of them says how long it
-// is, everything behind the first unknown one in a composite is unknown too.
+// is, everything behind the first unknown one in a composite is unknown too, and so is everything
+// behind the first kMostParts.
 #pragma once
 
 #include "platform/base/bytes.h"
@@ -12,6 +13,8 @@
 #include <vector>
 
 namespace ole_link {
+
+inline constexpr std::uint32_t kMostParts = 1000; // of a composite that are looked into
 
 // A text without its terminator: in the ANSI code page of whoever wrote it and, where that was not
 // enough, in UTF-16 too.

@@ -54,8 +54,11 @@ DWORD open_new(const std::string& path, const OpenFile& source, OpenFile& destin
     if (!destination.handle.is_open()) {
         return path_error_of_errno(errno, path);
     }
-    return destination.handle.lock(FileHandle::Lock::exclusive) ? ERROR_SUCCESS
-                                                                : ERROR_SHARING_VIOLATION;
+    if (!destination.handle.lock(FileHandle::Lock::exclusive)) {
+        unlink(path.c_str()); // somebody looks at it already, empty as it is
+        return ERROR_SHARING_VIOLATION;
+    }
+    return ERROR_SUCCESS;
 }
 
 DWORD open_existing(const std::string& path, const OpenFile& source, OpenFile& destination) {

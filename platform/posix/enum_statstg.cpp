@@ -1,10 +1,10 @@
 // IEnumSTATSTG over a snapshot that all clones share; each has its own position.
 #include "platform/posix/enum_statstg.h"
 
-#include "platform/posix/com_object.h"
-#include "platform/posix/error_codes.h"
+#include "platform/adapters/com_object.h"
+#include "platform/adapters/error_codes.h"
+#include "platform/adapters/statstg.h"
 #include "platform/posix/property_storage.h"
-#include "platform/posix/statstg.h"
 
 #include <memory>
 

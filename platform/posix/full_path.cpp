@@ -22,6 +22,12 @@ bool is_share(std::string_view path) {
     return path.size() >= 2 && path[0] == '\\' && is_separator(path[1]);
 }
 
+// 2 for a lead byte with the byte behind it, else 1.
+std::size_t character_size(std::string_view text, std::size_t at) {
+    const bool is_lead = IsDBCSLeadByte(static_cast<BYTE>(text[at])) != FALSE;
+    return is_lead && at + 1 < text.size() ? 2 : 1;
+}
+
 struct Split {
     std::vector<std::string> names; // without the empty ones
     bool ends_with_separator = false;
@@ -30,13 +36,10 @@ struct Split {
 Split split(std::string_view path) {
     Split result;
     std::string name;
-    for (std::size_t i = 0; i < path.size(); ++i) {
-        result.ends_with_separator = is_separator(path[i]);
+    for (std::size_t at = 0; at < path.size(); at += character_size(path, at)) {
+        result.ends_with_separator = is_separator(path[at]);
         if (!result.ends_with_separator) {
-            name.push_back(path[i]);
-            if (IsDBCSLeadByte(static_cast<BYTE>(path[i])) != FALSE && i + 1 < path.size()) {
-                name.push_back(path[++i]);
-            }
+            name += path.substr(at, character_size(path, at));
         } else if (!name.empty()) {
             result.names.push_back(std::move(name));
             name.clear();
@@ -48,19 +51,40 @@ Split split(std::string_view path) {
     return result;
 }
 
-// A single dot that ends a name does not count on a drive or share; neither do any dots and spaces
-// that end the whole path.
-void trim(std::string& name, bool ends_path) {
-    if (ends_path) {
-        name.erase(name.find_last_not_of(". ") + 1);
-    } else if (name.size() >= 2 && name.back() == '.' && name[name.size() - 2] != '.') {
+// How many characters at the end of a name are among these; none of them is half of another one.
+std::size_t count_at_end(std::string_view name, std::string_view characters) {
+    std::size_t count = 0;
+    for (std::size_t at = 0; at < name.size(); at += character_size(name, at)) {
+        const bool counts =
+            character_size(name, at) == 1 && characters.find(name[at]) != std::string_view::npos;
+        count = counts ? count + 1 : 0;
+    }
+    return count;
+}
+
+// A single dot that ends a name does not count on a drive or share.
+void trim_name(std::string& name) {
+    if (name.size() >= 2 && count_at_end(name, ".") == 1) {
         name.pop_back();
     }
 }
 
+// Neither do any dots and spaces that end the whole path, whichever name they are left on.
+void trim_end(std::vector<std::string>& names) {
+    while (!names.empty()) {
+        std::string& last = names.back();
+        last.resize(last.size() - count_at_end(last, ". "));
+        if (!last.empty()) {
+            return;
+        }
+        names.pop_back();
+    }
+}
+
 void append(FullPath& path, Split added) {
-    for (std::size_t i = 0; i < added.names.size(); ++i) {
-        std::string& name = added.names[i];
+    const bool trims = path.root != FullPath::Root::machine;
+    for (std::string& name : added.names) {
+        const bool ends_path = &name == &added.names.back() && !added.ends_with_separator;
         if (name == ".") {
             continue;
         }
@@ -70,14 +94,15 @@ void append(FullPath& path, Split added) {
             }
             continue;
         }
-        if (path.root != FullPath::Root::machine) {
-            trim(name, i + 1 == added.names.size() && !added.ends_with_separator);
+        if (trims && !ends_path) {
+            trim_name(name);
         }
-        if (!name.empty()) {
-            path.names.push_back(std::move(name));
-        }
+        path.names.push_back(std::move(name));
     }
     path.ends_with_separator = added.ends_with_separator;
+    if (trims && !path.ends_with_separator) {
+        trim_end(path.names);
+    }
 }
 
 FullPath share_root(std::vector<std::string>& names) {

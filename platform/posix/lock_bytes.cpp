@@ -1,10 +1,10 @@
 // ILockBytes over a movable memory block. The block is the array: its size is the array's size,
 // and it is resized in place of its handle. No pointer into the block outlives one call, because
 // any resize may move it.
-#include "platform/posix/com_object.h"
-#include "platform/posix/error_codes.h"
+#include "platform/adapters/com_object.h"
+#include "platform/adapters/error_codes.h"
+#include "platform/adapters/statstg.h"
 #include "platform/posix/kernel.h"
-#include "platform/posix/statstg.h"
 
 #include <algorithm>
 #include <limits>

@@ -22,6 +22,9 @@ struct IMoniker : IUnknown {
     virtual HRESULT GetDisplayName(IBindCtx* context, IMoniker* left, WCHAR** name) = 0;
 };
 
+// A moniker of that name; whether there is such a file is not looked at.
+HRESULT CreateFileMoniker(const WCHAR* name, IMoniker** moniker);
+
 HRESULT CreateBindCtx(DWORD reserved, IBindCtx** context);
 
 // S_OK with all units eaten; MK_E_CANTOPENFILE when no beginning of the name is an existing file,

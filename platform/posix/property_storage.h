@@ -94,8 +94,7 @@ struct IPropertyStorage : IUnknown {
                                   PROPID first_new_id) = 0;
     virtual HRESULT DeleteMultiple(ULONG count, const PROPSPEC* specs) = 0;
     virtual HRESULT ReadPropertyNames(ULONG count, const PROPID* ids, WCHAR** names) = 0;
-    virtual HRESULT WritePropertyNames(ULONG count, const PROPID* ids,
-                                       const WCHAR* const* names) = 0;
+    virtual HRESULT WritePropertyNames(ULONG count, const PROPID* ids, WCHAR* const* names) = 0;
     virtual HRESULT DeletePropertyNames(ULONG count, const PROPID* ids) = 0;
     virtual HRESULT Commit(DWORD flags) = 0;
     virtual HRESULT Revert() = 0;

@@ -4,14 +4,13 @@
 // separated by ';'. Settings are process-wide and have no lock: set them before the first call.
 #pragma once
 
-#include "platform/posix/types.h"
-
+#include <cstdint>
 #include <string>
 
 namespace platform {
 
 // Chooses the ANSI code page. False when the page is not known to this machine; nothing changes.
-bool set_ansi_code_page(UINT code_page);
+bool set_ansi_code_page(std::uint32_t code_page);
 
 // Adds one entry to the table of drives and shares: "Z:=/mnt/z" (a drive at a folder),
 // "\\srv\pub=/mnt/pub" (a share at a folder) or "Z:=\\srv\pub" (a drive that is a share). A later

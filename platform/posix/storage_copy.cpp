@@ -1,9 +1,9 @@
 // Copying of storages: CopyTo and MoveElementTo. The source is read through the engine, the
 // destination is any IStorage. A storage that is copied stays open until everything below it has
 // been copied, because its release would revert what was opened through it.
+#include "platform/adapters/error_codes.h"
+#include "platform/adapters/statstg.h"
 #include "platform/base/com_ptr.h"
-#include "platform/posix/error_codes.h"
-#include "platform/posix/statstg.h"
 #include "platform/posix/storage_modes.h"
 #include "platform/posix/storage_object.h"
 #include "platform/posix/stream.h"

@@ -1,8 +1,8 @@
 // The functions that open and create root storages, in files and in byte arrays. The whole of an
 // opening is: look at the arguments, translate the path, open the backing (which takes the locks),
 // hand it to the engine.
+#include "platform/adapters/error_codes.h"
 #include "platform/posix/ansi_text.h"
-#include "platform/posix/error_codes.h"
 #include "platform/posix/full_path.h"
 #include "platform/posix/kernel.h"
 #include "platform/posix/lock_bytes_backing.h"

@@ -1,9 +1,9 @@
 // IStorage: opening and creating elements, attributes, enumeration. Copying is in storage_copy.cpp.
 #include "platform/posix/storage_object.h"
 
+#include "platform/adapters/error_codes.h"
+#include "platform/adapters/statstg.h"
 #include "platform/posix/enum_statstg.h"
-#include "platform/posix/error_codes.h"
-#include "platform/posix/statstg.h"
 #include "platform/posix/storage_modes.h"
 #include "platform/posix/stream.h"
 

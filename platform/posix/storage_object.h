@@ -3,7 +3,7 @@
 // release of a stream opened for writing, the last release of the root).
 #pragma once
 
-#include "platform/posix/com_object.h"
+#include "platform/adapters/com_object.h"
 #include "platform/posix/open_compound_file.h"
 
 #include <memory>

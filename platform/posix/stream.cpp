@@ -1,9 +1,9 @@
 // IStream over a stream node; see stream.h.
 #include "platform/posix/stream.h"
 
+#include "platform/adapters/error_codes.h"
+#include "platform/adapters/statstg.h"
 #include "platform/base/com_ptr.h"
-#include "platform/posix/error_codes.h"
-#include "platform/posix/statstg.h"
 #include "platform/posix/storage_modes.h"
 
 #include <algorithm>

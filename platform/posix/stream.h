@@ -2,7 +2,7 @@
 // the stream share. Reading and writing go straight to the node; nothing is buffered here.
 #pragma once
 
-#include "platform/posix/com_object.h"
+#include "platform/adapters/com_object.h"
 #include "platform/posix/open_compound_file.h"
 
 #include <memory>

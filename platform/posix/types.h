@@ -6,6 +6,10 @@
 #include <cstdint>
 #include <cstring>
 
+// Methods and functions of the system have the compiler's own calling convention here.
+#define STDMETHODCALLTYPE
+#define STDAPICALLTYPE
+
 using BYTE = std::uint8_t;
 using WORD = std::uint16_t;
 using DWORD = std::uint32_t;
@@ -91,6 +95,7 @@ inline constexpr HRESULT STG_E_INVALIDFLAG = hresult(0x800300FF);
 inline constexpr HRESULT STG_E_REVERTED = hresult(0x80030102);
 inline constexpr HRESULT STG_E_CANTSAVE = hresult(0x80030103);
 inline constexpr HRESULT STG_E_DOCFILECORRUPT = hresult(0x80030109);
+inline constexpr HRESULT STG_E_DOCFILETOOLARGE = hresult(0x80030111);
 
 // Windows error numbers ("last error").
 inline constexpr DWORD ERROR_SUCCESS = 0;

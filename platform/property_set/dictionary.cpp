@@ -8,20 +8,41 @@
 namespace property_set {
 namespace {
 
-constexpr std::size_t kEntryHeaderSize = 8;
 constexpr std::size_t kUnitSize = 2;
 
 } // namespace
 
+int Dictionary::ByKey::compare(std::u16string_view a, std::u16string_view b) const {
+    for (std::size_t i = 0; i < std::min(a.size(), b.size()); ++i) {
+        const int difference =
+            case_matters ? a[i] - b[i] : unicode::upper(a[i]) - unicode::upper(b[i]);
+        if (difference != 0) {
+            return difference;
+        }
+    }
+    return a.size() == b.size() ? 0 : a.size() < b.size() ? -1 : 1;
+}
+
+bool Dictionary::ByKey::operator()(EntryIndex a, EntryIndex b) const {
+    const int difference = compare(name(a), name(b));
+    return difference != 0 ? difference < 0 : a < b;
+}
+
+Dictionary::Dictionary(SectionText text, bool case_matters)
+    : text_(text)
+    , case_matters_(case_matters)
+    , entries_(std::make_unique<Entries>())
+    , by_key_(ByKey{entries_.get(), case_matters}) {}
+
 bool Dictionary::read_entries(const RawBytes& raw, std::size_t length_unit, bool padded,
-                              std::vector<Entry>& entries) {
+                              Entries& entries) {
     bytes::Cursor cursor(raw.view());
     const std::uint32_t count = cursor.u32();
     for (std::uint32_t i = 0; cursor.ok() && i < count; ++i) {
         Entry entry;
         entry.id = cursor.u32();
         const std::uint64_t size = std::uint64_t{cursor.u32()} * length_unit;
-        if (!cursor.ok() || size > cursor.remaining()) {
+        if (entries.size() == kMostProperties || !cursor.ok() || size > cursor.remaining()) {
             return false;
         }
         entry.raw = raw.part(cursor.position(), static_cast<std::size_t>(size));
@@ -35,7 +56,7 @@ bool Dictionary::read_entries(const RawBytes& raw, std::size_t length_unit, bool
     return cursor.ok();
 }
 
-bool Dictionary::all_terminated(const std::vector<Entry>& entries) const {
+bool Dictionary::all_terminated(const Entries& entries) const {
     return std::all_of(entries.begin(), entries.end(), [](const Entry& entry) {
         const bytes::View name = entry.raw.view();
         return name.size() >= kUnitSize && name.size() % kUnitSize == 0 &&
@@ -46,46 +67,53 @@ bool Dictionary::all_terminated(const std::vector<Entry>& entries) const {
 bool Dictionary::parse(const RawBytes& raw) {
     bool in_order = true;
     if (text_.is_utf16()) {
-        in_order = read_entries(raw, kUnitSize, true, entries_) && all_terminated(entries_);
-        std::vector<Entry> by_bytes;
+        in_order = read_entries(raw, kUnitSize, true, *entries_) && all_terminated(*entries_);
+        Entries by_bytes;
         // Some writers count bytes here too.
         if (!in_order && read_entries(raw, 1, true, by_bytes) && all_terminated(by_bytes)) {
-            entries_ = std::move(by_bytes);
+            *entries_ = std::move(by_bytes);
             in_order = true;
         }
     } else {
-        in_order = read_entries(raw, 1, false, entries_);
+        in_order = read_entries(raw, 1, false, *entries_);
     }
-    for (EntryIndex index = 0; index < entries_.size(); ++index) {
-        entries_[index].name = text_.decode(entries_[index].raw.view());
+    for (EntryIndex index = 0; index < entries_->size(); ++index) {
+        Entry& entry = (*entries_)[index];
+        entry.name = text_.decode(entry.raw.view());
         add_to_indexes(index);
     }
     return in_order;
 }
 
 void Dictionary::add_to_indexes(EntryIndex index) {
-    const Entry& entry = entries_[index];
+    const Entry& entry = (*entries_)[index];
     if (!is_ordinary(entry.id)) {
         return;
     }
-    by_id_[entry.id].insert(index);
-    if (entry.name && !entry.name->empty()) {
-        by_key_[key(*entry.name)].insert(index);
+    by_id_.emplace(entry.id, index);
+    if (entry.name && !entry.name->empty() && first_of(entry.id) == index) {
+        by_key_.insert(index);
     }
+}
+
+std::optional<Dictionary::EntryIndex> Dictionary::first_of(PropertyId id) const {
+    const auto found = by_id_.lower_bound({id, 0});
+    return found != by_id_.end() && found->first == id ? std::optional(found->second)
+                                                       : std::nullopt;
 }
 
 std::optional<PropertyId> Dictionary::find(std::u16string_view name) const {
-    const auto found = by_key_.find(key(name));
-    return found == by_key_.end() ? std::nullopt
-                                  : std::optional(entries_[*found->second.begin()].id);
+    const auto found = by_key_.lower_bound(name);
+    const bool has_name = found != by_key_.end() && !by_key_.key_comp()(name, *found);
+    return has_name ? std::optional((*entries_)[*found].id) : std::nullopt;
 }
 
 const std::u16string* Dictionary::name_of(PropertyId id) const {
-    const auto found = by_id_.find(id);
-    if (found == by_id_.end()) {
+    const std::optional<EntryIndex> index = first_of(id);
+    if (!index) {
         return nullptr;
     }
-    const Entry& entry = entries_[*found->second.begin()];
+    const Entry& entry = (*entries_)[*index];
     return entry.name && !entry.name->empty() ? &*entry.name : nullptr;
 }
 
@@ -99,13 +127,9 @@ std::u16string Dictionary::key(std::u16string_view name) const {
 
 // Takes an entry out of the index of names.
 void Dictionary::take_name(EntryIndex index) {
-    const Entry& entry = entries_[index];
-    const auto found = entry.name ? by_key_.find(key(*entry.name)) : by_key_.end();
-    if (found != by_key_.end()) {
-        found->second.erase(index);
-        if (found->second.empty()) {
-            by_key_.erase(found);
-        }
+    const Entry& entry = (*entries_)[index];
+    if (entry.name && !entry.name->empty()) {
+        by_key_.erase(index);
     }
 }
 
@@ -117,35 +141,31 @@ void Dictionary::set_name(PropertyId id, std::u16string_view name, bytes::Bytes 
     for (auto holder = find(name); holder && *holder != id; holder = find(name)) {
         remove(*holder);
     }
-    const auto own = by_id_.find(id);
-    EntryIndex index = entries_.size();
-    if (own != by_id_.end()) {
-        index = *own->second.begin();
+    const std::optional<EntryIndex> own = first_of(id);
+    const auto index = own.value_or(static_cast<EntryIndex>(entries_->size()));
+    if (own) {
         take_name(index);
     } else {
-        entries_.emplace_back().id = id;
+        entries_->emplace_back().id = id;
     }
-    entries_[index].raw = RawBytes(std::move(encoded));
-    entries_[index].name = name;
+    Entry& entry = (*entries_)[index];
+    entry.raw = RawBytes(std::move(encoded));
+    entry.name = name;
     add_to_indexes(index);
     changed_ = true;
 }
 
 void Dictionary::remove(PropertyId id) {
-    const auto found = by_id_.find(id);
-    if (found == by_id_.end()) {
-        return;
+    while (const std::optional<EntryIndex> index = first_of(id)) {
+        take_name(*index);
+        (*entries_)[*index].removed = true;
+        by_id_.erase({id, *index});
+        changed_ = true;
     }
-    for (const EntryIndex index : found->second) {
-        take_name(index);
-        entries_[index].removed = true;
-    }
-    by_id_.erase(found);
-    changed_ = true;
 }
 
 void Dictionary::append_ids(std::vector<PropertyId>& ids) const {
-    for (const auto& [id, indexes] : by_id_) {
+    for (const auto& [id, index] : by_id_) {
         ids.push_back(id);
     }
 }
@@ -154,7 +174,7 @@ bytes::Bytes Dictionary::encode() const {
     const std::size_t length_unit = text_.is_utf16() ? kUnitSize : 1;
     bytes::Bytes out(sizeof(std::uint32_t));
     std::uint32_t count = 0;
-    for (const Entry& entry : entries_) {
+    for (const Entry& entry : *entries_) {
         if (entry.removed) {
             continue;
         }

@@ -9,7 +9,7 @@
 #include "platform/property_set/raw_bytes.h"
 #include "platform/property_set/section_text.h"
 
-#include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -20,12 +20,10 @@ namespace property_set {
 
 class Dictionary {
   public:
-    Dictionary(SectionText text, bool case_matters)
-        : text_(text)
-        , case_matters_(case_matters) {}
+    Dictionary(SectionText text, bool case_matters);
 
-    // Reads as many entries as are whole; says whether the dictionary was in order. Called once, on
-    // an empty dictionary.
+    // Reads as many entries as are whole, at most kMostProperties; says whether the dictionary was
+    // in order. Called once, on an empty dictionary.
     bool parse(const RawBytes& raw);
 
     // O(log n). Names that do not convert are never found and read as null.
@@ -53,21 +51,42 @@ class Dictionary {
         std::optional<std::u16string> name;
         bool removed = false;
     };
-    using EntryIndex = std::size_t;
+    using EntryIndex = std::uint32_t;
+    using Entries = std::vector<Entry>;
+
+    // Names by their keys, equal ones by index. Keys are made where they are compared: stored ones
+    // would take more memory than all the rest.
+    struct ByKey {
+        using is_transparent = void;
+        const Entries* entries;
+        bool case_matters;
+
+        std::u16string_view name(EntryIndex index) const { return *(*entries)[index].name; }
+        int compare(std::u16string_view a, std::u16string_view b) const;
+        bool operator()(EntryIndex a, EntryIndex b) const;
+        bool operator()(EntryIndex a, std::u16string_view b) const {
+            return compare(name(a), b) < 0;
+        }
+        bool operator()(std::u16string_view a, EntryIndex b) const {
+            return compare(a, name(b)) < 0;
+        }
+    };
 
     // Reads entries whose lengths count `length_unit` bytes; false when one does not fit.
     static bool read_entries(const RawBytes& raw, std::size_t length_unit, bool padded,
-                             std::vector<Entry>& entries);
-    bool all_terminated(const std::vector<Entry>& entries) const;
+                             Entries& entries);
+    bool all_terminated(const Entries& entries) const;
+    // The first entry of an id.
+    std::optional<EntryIndex> first_of(PropertyId id) const;
     void add_to_indexes(EntryIndex index);
     void take_name(EntryIndex index);
 
     SectionText text_;
     bool case_matters_;
     bool changed_ = false;
-    std::vector<Entry> entries_;
-    std::map<PropertyId, std::set<EntryIndex>> by_id_;
-    std::map<std::u16string, std::set<EntryIndex>> by_key_;
+    std::unique_ptr<Entries> entries_; // stays where it is when the dictionary is moved
+    std::set<std::pair<PropertyId, EntryIndex>> by_id_;
+    std::set<EntryIndex, ByKey> by_key_;
 };
 
 } // namespace property_set

@@ -50,6 +50,11 @@ inline constexpr std::size_t kMaxNameUnits = 260;
 inline constexpr std::size_t kMaxStreamSize = 1024 * 1024;
 inline constexpr std::size_t kMaxLargeStreamSize = 16 * kMaxStreamSize;
 
+// Properties of one section, and names: a stream of kMaxStreamSize has no room for more, since a
+// property takes a pair and a value of at least kSmallestValue bytes.
+inline constexpr std::size_t kSmallestValue = 8;
+inline constexpr std::size_t kMostProperties = kMaxStreamSize / (kPairSize + kSmallestValue);
+
 // TypedPropertyValue types that can be decoded.
 enum class Type : std::uint16_t {
     i2 = 2,

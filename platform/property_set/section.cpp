@@ -70,6 +70,7 @@ std::optional<Value> Section::read(const PropertyKey& key) const {
 
 std::vector<PropertyInfo> Section::list() const {
     std::vector<PropertyInfo> infos;
+    infos.reserve(by_id_.size());
     for (const Property& listed : properties_) {
         if (listed.removed || !is_ordinary(listed.id)) {
             continue;
@@ -86,6 +87,7 @@ std::vector<PropertyInfo> Section::list() const {
 
 std::vector<Section::Property> Section::to_write() const {
     std::vector<Property> result;
+    result.reserve(by_id_.size() + 1);
     std::copy_if(properties_.begin(), properties_.end(), std::back_inserter(result),
                  [](const Property& listed) { return !listed.removed; });
     if (!dictionary_.changed()) {

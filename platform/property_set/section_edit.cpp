@@ -66,6 +66,7 @@ void Section::set_value(PropertyId id, RawBytes raw) {
 void Section::write(std::span<const Assignment> assignments, PropertyId first_new_id) {
     require_writable();
     std::vector<std::pair<PropertyId, RawBytes>> known;
+    known.reserve(assignments.size());
     std::vector<NewProperty> made;
     std::map<std::u16string, std::size_t> made_by_key;
     for (const Assignment& assignment : assignments) {

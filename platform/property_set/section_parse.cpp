@@ -34,7 +34,7 @@ Pairs read_pairs(bytes::View extent) {
     bytes::Cursor cursor(extent);
     pairs.size_field = cursor.u32();
     const std::uint32_t stated = cursor.u32();
-    const std::size_t room = cursor.remaining() / kPairSize;
+    const std::size_t room = std::min(cursor.remaining() / kPairSize, kMostProperties);
     if (!cursor.ok() || stated > room) {
         note(pairs.damage, "section states " + std::to_string(stated) + " properties, room for " +
                                std::to_string(room));

@@ -197,6 +197,14 @@ TEST_F(Wrappers, SeekingAnswersByItsOrigin) {
     EXPECT_EQ(error_params(), Texts({kDocument, "-4"}));
 }
 
+TEST_F(Wrappers, PlaceInFrontOfTheStartIsNoPlaceWhateverTheStreamSays) {
+    std::uint32_t position = 1;
+    stream_.script = {.moved = 0xFFFF'FFFF'FFFF'FFFC};
+    EXPECT_EQ(j_seekStream("name", &stream_, -4, 0, &position), 5650);
+    EXPECT_EQ(position, 1u);
+    EXPECT_EQ(stream_.move_asked, 0) << "back to the start";
+}
+
 TEST_F(Wrappers, CopyingComparesTheCounts) {
     stream_.script = {.moved = 8, .written = 8};
     EXPECT_EQ(j_copyStream(&stream_, &stream_, 8), 0);

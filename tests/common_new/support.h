@@ -6,12 +6,11 @@
 #include "platform/posix/settings.h"
 #include "plugin/document_path.h"
 #include "plugin/error_params.h"
+#include "tests/support/temporary_folder.h"
 
 #include <array>
 #include <filesystem>
 #include <fstream>
-#include <stdexcept>
-#include <stdlib.h>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -89,13 +88,8 @@ class DocumentPath {
 
 class TempFolder {
   public:
-    TempFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "common_new.XXXXXX").string();
-        if (::mkdtemp(name.data()) == nullptr) {
-            throw std::runtime_error("no folder " + name);
-        }
-        path_ = name;
-    }
+    TempFolder()
+        : path_(make_temporary_folder("common_new")) {}
     ~TempFolder() {
         std::error_code ignored;
         std::filesystem::remove_all(path_, ignored);

@@ -1,7 +1,9 @@
 #include "tests/faults/failing_allocations.h"
 
+#include <malloc.h>
 #include <zlib.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <limits>
 #include <new>
@@ -13,13 +15,13 @@ void* __real_calloc(std::size_t count, std::size_t size);
 void* __real_realloc(void* block, std::size_t size);
 void __real_free(void* block);
 int __real_inflateInit_(z_streamp stream, const char* version, int size);
-int __real_compress(Bytef* to, uLongf* to_size, const Bytef* from, uLong from_size);
+int __real_deflateInit_(z_streamp stream, int level, const char* version, int size);
 void* __wrap_malloc(std::size_t size);
 void* __wrap_calloc(std::size_t count, std::size_t size);
 void* __wrap_realloc(void* block, std::size_t size);
 void __wrap_free(void* block);
 int __wrap_inflateInit_(z_streamp stream, const char* version, int size);
-int __wrap_compress(Bytef* to, uLongf* to_size, const Bytef* from, uLong from_size);
+int __wrap_deflateInit_(z_streamp stream, int level, const char* version, int size);
 }
 
 namespace fault {
@@ -31,6 +33,18 @@ constexpr std::uint64_t kNever = std::numeric_limits<std::uint64_t>::max();
 std::uint64_t left_until_failure = kNever;
 bool failed = false;
 std::int64_t live = 0;
+std::int64_t live_bytes = 0;
+std::int64_t most_bytes = 0;
+
+std::int64_t held_by(void* block) {
+    constexpr std::size_t kHeader = 8;
+    return static_cast<std::int64_t>(malloc_usable_size(block) + kHeader);
+}
+
+void add_bytes(std::int64_t bytes) {
+    live_bytes += bytes;
+    most_bytes = std::max(most_bytes, live_bytes);
+}
 
 bool is_failing_one() {
     if (left_until_failure == kNever || left_until_failure-- > 0) {
@@ -42,7 +56,10 @@ bool is_failing_one() {
 }
 
 void* counted(void* block) {
-    live += block == nullptr ? 0 : 1;
+    if (block != nullptr) {
+        ++live;
+        add_bytes(held_by(block));
+    }
     return block;
 }
 
@@ -59,8 +76,20 @@ void* allocate_or_throw(std::size_t size) {
 }
 
 void release(void* block) {
-    live -= block == nullptr ? 0 : 1;
+    if (block != nullptr) {
+        --live;
+        live_bytes -= held_by(block);
+    }
     __real_free(block);
+}
+
+void* resized(void* block, std::size_t size) {
+    const std::int64_t held = held_by(block);
+    void* const moved = __real_realloc(block, size);
+    if (moved != nullptr) {
+        add_bytes(held_by(moved) - held);
+    }
+    return moved;
 }
 
 } // namespace
@@ -82,6 +111,15 @@ std::int64_t live_allocations() {
     return live;
 }
 
+HeapPeak::HeapPeak()
+    : at_start_(live_bytes) {
+    most_bytes = live_bytes;
+}
+
+std::uint64_t HeapPeak::bytes() const {
+    return static_cast<std::uint64_t>(most_bytes - at_start_);
+}
+
 } // namespace fault
 
 void* __wrap_malloc(std::size_t size) {
@@ -96,8 +134,8 @@ void* __wrap_realloc(void* block, std::size_t size) {
     if (fault::is_failing_one()) {
         return nullptr;
     }
-    void* const moved = __real_realloc(block, size);
-    return block == nullptr ? fault::counted(moved) : moved;
+    return block == nullptr ? fault::counted(__real_realloc(block, size))
+                            : fault::resized(block, size);
 }
 
 void __wrap_free(void* block) {
@@ -108,8 +146,9 @@ int __wrap_inflateInit_(z_streamp stream, const char* version, int size) {
     return fault::is_failing_one() ? Z_MEM_ERROR : __real_inflateInit_(stream, version, size);
 }
 
-int __wrap_compress(Bytef* to, uLongf* to_size, const Bytef* from, uLong from_size) {
-    return fault::is_failing_one() ? Z_MEM_ERROR : __real_compress(to, to_size, from, from_size);
+int __wrap_deflateInit_(z_streamp stream, int level, const char* version, int size) {
+    return fault::is_failing_one() ? Z_MEM_ERROR
+                                   : __real_deflateInit_(stream, level, version, size);
 }
 
 void* operator new(std::size_t size) {

@@ -1,7 +1,7 @@
-// Makes one allocation of this program fail, and knows how many there are: operator new in all its
-// plain forms, and malloc, calloc and realloc as the program's own objects call them (the linker
-// sends these here, see CMakeLists.txt). What shared libraries allocate for themselves is not seen;
-// zlib's packing and unpacking count as one allocation each.
+// Makes one allocation of this program fail, and knows how many there are and how much they hold:
+// operator new in all its plain forms, and malloc, calloc and realloc as the program's own objects
+// call them (the linker sends these here, see CMakeLists.txt). What shared libraries allocate for
+// themselves is not seen; zlib's packing and unpacking count as one allocation each.
 #pragma once
 
 #include <cstdint>
@@ -23,5 +23,16 @@ class FailingAllocation {
 
 // Blocks that were allocated and not freed.
 std::int64_t live_allocations();
+
+// The most bytes that were held at once since construction, beyond those held then; each block
+// counts with what the heap needs to keep it.
+class HeapPeak {
+  public:
+    HeapPeak();
+    std::uint64_t bytes() const;
+
+  private:
+    std::int64_t at_start_;
+};
 
 } // namespace fault

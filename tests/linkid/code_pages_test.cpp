@@ -98,7 +98,8 @@ TEST_F(LinkCodePagesTest, AddressesThatDidNotChangeKeepCharactersOutsideTheCodeP
     deck.properties(PropertyStream(1200)
                         .blob(u"_PID_HLINKS", presentation_builder::hyperlink_list(listed))
                         .build());
-    const auto hash = [](std::u16string text) {
+    const auto hash = [](const std::u16string& units) {
+        const std::basic_string<WCHAR> text(units.begin(), units.end());
         return n_hashHyperlinkString(text.c_str(), static_cast<std::uint32_t>(text.size() + 1));
     };
     ASSERT_EQ(load(deck), 0);

@@ -140,7 +140,7 @@ TEST_F(LinkPropertiesTest, RecordsAndHyperlinkListChangeTogetherOrNotAtAll) {
         const HyperlinkList list = stored_list(
             copy.stream(std::u16string(presentation_builder::kDocumentSummaryInformation)));
         ASSERT_EQ(list.entries.size(), 1u);
-        EXPECT_EQ(list.entries[0].target(), flags == 3 ? u"C:\\new.doc" : u"C:\\old.doc");
+        EXPECT_EQ(list.entries[0].target(), flags == 3 ? WIDE("C:\\new.doc") : WIDE("C:\\old.doc"));
         ASSERT_EQ(load_again("out.ppt"), 0);
         EXPECT_EQ(link_path(0), flags == 3 ? "C:\\new.doc" : "C:\\old.doc");
         j_unLoadFile();
@@ -217,10 +217,10 @@ TEST_F(LinkPropertiesTest, TheHyperlinkListFillsTargetsThatTheRecordsLack) {
         stored_list(copy.stream(std::u16string(presentation_builder::kDocumentSummaryInformation)));
     ASSERT_EQ(list.entries.size(), 3u);
     EXPECT_EQ(list.entries[0].address.size(), 2 * 13u);
-    EXPECT_EQ(list.entries[0].target(), u"C:\\New\\b.doc");
-    EXPECT_EQ(list.entries[1].target(), u"http://wrong.example/");
+    EXPECT_EQ(list.entries[0].target(), WIDE("C:\\New\\b.doc"));
+    EXPECT_EQ(list.entries[1].target(), WIDE("http://wrong.example/"));
     EXPECT_EQ(list.entries[2].address.size(), 2u);
-    EXPECT_EQ(list.entries[2].target(), u"Slide 3");
+    EXPECT_EQ(list.entries[2].target(), WIDE("Slide 3"));
     ASSERT_EQ(load_again("out.ppt"), 0);
     EXPECT_EQ(link_paths(), (Paths{"C:\\New\\b.doc", "C:\\own.doc", "Slide 3"}));
 }
@@ -289,7 +289,7 @@ TEST(LinkPropertyNameTest, CarriesIdAndSuffixAsFarAsThereIsRoom) {
 
 TEST(HyperlinkHashTest, TakesPairsOfLowerCasedCharacters) {
     const auto hash = [](std::u16string_view text) {
-        const std::u16string terminated(text);
+        const std::basic_string<WCHAR> terminated(text.begin(), text.end());
         return n_hashHyperlinkString(terminated.c_str(),
                                      static_cast<std::uint32_t>(terminated.size() + 1));
     };
@@ -305,9 +305,9 @@ TEST(HyperlinkHashTest, TakesPairsOfLowerCasedCharacters) {
 TEST(LinkIdTagTest, IsFoundAndCutWithEverythingBehindIt) {
     EXPECT_STREQ(ps_findLinkIdTag("Cover MORVANE-LINK-ID=77 x"), "MORVANE-LINK-ID=77 x");
     EXPECT_EQ(ps_findLinkIdTag("morvane-link-id=7"), nullptr);
-    std::u16string text = u"Cover MORVANE-LINK-ID=77 and more";
+    std::basic_string<WCHAR> text = WIDE("Cover MORVANE-LINK-ID=77 and more");
     v_stripLinkIdTag(text);
-    EXPECT_EQ(text, u"Cover ");
+    EXPECT_EQ(text, WIDE("Cover "));
 }
 
 } // namespace

@@ -65,6 +65,21 @@ TEST(LinkStream, TakesANewSourceInPlaceOfBothOldOnes) {
     }
 }
 
+TEST(LinkStream, KeepsASizeThatCountsOnlyItself) {
+    Bytes data = ole_stream({{}, kFile});
+    bytes::store_u32(data, 20, 4); // of the relative moniker, which is not there
+    EXPECT_EQ(LinkStream::parse(data).serialise(), data);
+}
+
+TEST(LinkStream, RefusesASourceThatWouldBeReadOtherwise) {
+    const OleStream stream{{}, kFile, 1, false, Bytes{}};
+    LinkStream parsed = LinkStream::parse(ole_stream(stream));
+    // Its last four bytes look like the class that stands behind monikers.
+    const Bytes source = file_moniker({"C:\\?", u"C:\\\uFFFF\uFFFF"});
+    EXPECT_THROW(parsed.set_absolute_source(source), platform::Error);
+    EXPECT_EQ(parsed.serialise(), ole_stream(stream));
+}
+
 TEST(LinkStream, CutOffAnywhereIsRefusedOrKept) {
     for (const OleStream& stream : streams()) {
         const Bytes whole = ole_stream(stream);
@@ -110,6 +125,10 @@ TEST(Moniker, WhatIsUnknownOrDamagedIsNotGuessedAt) {
     Bytes more_promised = composite_moniker({kFile, kItem});
     bytes::store_u32(more_promised, 16, 0xFFFFFFFF);
     EXPECT_FALSE(parse_moniker(more_promised));
+    // More parts than there can be, the last of them unknown: one more would not be countable.
+    Bytes many_unknown = composite_moniker({kFile, unknown_moniker()});
+    bytes::store_u32(many_unknown, 16, 0xFFFFFFFF);
+    EXPECT_FALSE(parse_moniker(many_unknown));
     Bytes long_path = kFile;
     bytes::store_u32(long_path, 18, 0xFFFFFFFF);
     EXPECT_FALSE(parse_moniker(long_path));

@@ -84,12 +84,12 @@ class OleRelinkTest : public RelinkTest {
 };
 
 TEST_F(OleRelinkTest, NewSourcesGoIntoTheStoragesAndNothingElseChanges) {
-    const OleStream near{kRelative, composite_moniker({kAbsolute, kItem}), 0x1001};
-    const OleStream far{{}, kAbsolute, 1, false};
+    const OleStream with_relative{kRelative, composite_moniker({kAbsolute, kItem}), 0x1001};
+    const OleStream absolute_only{{}, kAbsolute, 1, false};
     Deck before;
     describe(before,
-             {storage_record(ole_storage(linked_object(near)), true),
-              storage_record(ole_storage(linked_object(far)), false)},
+             {storage_record(ole_storage(linked_object(with_relative)), true),
+              storage_record(ole_storage(linked_object(absolute_only)), false)},
              u"C:\\a.wmf");
     ASSERT_EQ(load(before), 0);
     ASSERT_EQ(link_paths(), (std::vector<std::string>{path("book.xls!Sheet1!R1C1"), "C:\\a.wmf",
@@ -104,9 +104,9 @@ TEST_F(OleRelinkTest, NewSourcesGoIntoTheStoragesAndNothingElseChanges) {
     ASSERT_EQ(records.size(), 2);
     Bytes on_server = file_moniker({"\\\\srv\\pub\\new\\book.xls"});
     bytes::store_u16(on_server, on_server.size() - 28, 5); // length of the server's name
-    expect_source(records[0], near, composite_moniker({file_moniker({"Q:\\new\\book.xls"}), kItem}),
-                  true);
-    expect_source(records[1], far, on_server, false);
+    expect_source(records[0], with_relative,
+                  composite_moniker({file_moniker({"Q:\\new\\book.xls"}), kItem}), true);
+    expect_source(records[1], absolute_only, on_server, false);
     Deck after;
     describe(after, {records[0], records[1]}, u"C:\\longer name.wmf");
     EXPECT_EQ(
@@ -119,7 +119,7 @@ TEST_F(OleRelinkTest, NewSourcesGoIntoTheStoragesAndNothingElseChanges) {
     EXPECT_EQ(link_path(3), "\\\\srv\\pub\\new\\book.xls");
     ASSERT_EQ(j_setLinkFileName(0, "\\\\srv\\pub\\new\\book.xls!other", 0), 0);
     ASSERT_EQ(rewrite("again.ppt"), 0);
-    expect_source(storage_records("again.ppt")[0], near,
+    expect_source(storage_records("again.ppt")[0], with_relative,
                   composite_moniker({on_server, item_moniker("other")}), true);
     EXPECT_EQ(storage_records("again.ppt")[1], records[1]);
 }

@@ -134,9 +134,11 @@ TEST_F(LoadTest, ALongTextIsCutTo1023BytesBetweenCharacters) {
     ASSERT_EQ(load(deck), 0);
     EXPECT_EQ(link_text(0).size(), 1023u);
     EXPECT_EQ(link(0).text_range_end, 1033);
+#if !defined(_WIN32) // whose ANSI code page is not UTF-8
     // Three bytes each in UTF-8.
     EXPECT_EQ(link_text(1).size(), 1023u);
     EXPECT_EQ(link(1).text_range_end, 341);
+#endif
 }
 
 TEST_F(LoadTest, HyperlinksOfTheSlideListsOwnTextAreFound) {

@@ -6,6 +6,7 @@
 #include "plugin/exports.h"
 #include "plugin/state.h"
 #include "tests/support/presentation_builder.h"
+#include "tests/support/temporary_folder.h"
 
 #include <gtest/gtest.h>
 
@@ -14,7 +15,6 @@
 #include <fstream>
 #include <iterator>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 namespace plugin_test {
@@ -36,12 +36,7 @@ inline std::string error_params() {
 class PluginTest : public testing::Test {
   protected:
     void SetUp() override {
-        const auto* info = testing::UnitTest::GetInstance()->current_test_info();
-        folder_ = std::filesystem::temp_directory_path() /
-                  (std::string("ppt-") + info->test_suite_name() + "-" + info->name() + "-" +
-                   std::to_string(getpid()));
-        std::filesystem::remove_all(folder_);
-        std::filesystem::create_directories(folder_);
+        folder_ = make_temporary_folder("ppt");
         start("het");
     }
 
@@ -54,6 +49,11 @@ class PluginTest : public testing::Test {
     static void start(const char* options) { ASSERT_EQ(j_initDLL(255, 0, options), 0); }
 
     std::string path(const std::string& name) const { return (folder_ / name).string(); }
+
+    std::string bytes_of(const std::string& name) const {
+        std::ifstream file(path(name), std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
 
     std::int32_t load(presentation_builder::Deck& deck, std::int32_t flags = 3,
                       const std::string& name = "deck.ppt") {
@@ -103,8 +103,9 @@ class PluginTest : public testing::Test {
     // The lines of the trace log from `first` on, without their CR LF.
     static std::vector<std::string> log_lines(std::size_t first = 0) {
         std::fflush(nullptr);
-        std::ifstream file(std::filesystem::read_symlink("/proc/self/exe").parent_path() /
-                               "PPT.log",
+        char program[1024] = "";
+        GetModuleFileNameA(nullptr, program, sizeof program);
+        std::ifstream file(std::filesystem::path(program).parent_path() / "PPT.log",
                            std::ios::binary);
         std::vector<std::string> lines;
         for (std::string line; std::getline(file, line);) {

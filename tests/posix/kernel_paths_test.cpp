@@ -91,11 +91,19 @@ TEST_F(Paths, TrailBytesAreNoSeparators) {
     EXPECT_EQ(full_path("Z:\\\x95\x5C\\..\\x"), "Z:\\x");
 }
 
+TEST_F(Paths, TrailBytesAreNoDotsThatEndAName) {
+    ASSERT_TRUE(platform::set_ansi_code_page(932));
+    EXPECT_EQ(full_path("Z:\\\x81.\\x"), "Z:\\\x81.\\x");
+    EXPECT_EQ(full_path("Z:\\\x81. ."), "Z:\\\x81.");
+}
+
 TEST_F(Paths, FullPathsAreNormalised) {
     EXPECT_EQ(full_path("C:\\a\\.\\b\\..\\c.doc"), "C:\\a\\c.doc");
     EXPECT_EQ(full_path("C:/a//b/"), "C:\\a\\b\\");
     EXPECT_EQ(full_path("C:\\.."), "C:\\");
     EXPECT_EQ(full_path("C:\\a.\\b. ."), "C:\\a\\b");
+    EXPECT_EQ(full_path("C:\\a .\\b\\.."), "C:\\a"); // the end is that of the result
+    EXPECT_EQ(full_path("C:\\a..\\..."), "C:\\a");
     EXPECT_EQ(full_path("\\\\srv\\pub\\..\\..\\x"), "\\\\srv\\pub\\x");
     EXPECT_EQ(full_path("\\\\srv/pub"), "\\\\srv\\pub");
     EXPECT_EQ(full_path("/a/./b/../c. "), "/a/c. ");

@@ -1,6 +1,6 @@
 // One stream through IStream: positions, ends, sizes, copies inside a file, between files and to
 // streams of others.
-#include "platform/posix/error_codes.h"
+#include "platform/adapters/error_codes.h"
 #include "tests/posix/storage_fixture.h"
 
 #include <limits>

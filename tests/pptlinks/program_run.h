@@ -2,28 +2,21 @@
 #pragma once
 
 #include "pptlinks/program.h"
+#include "tests/pptlinks/built_program.h"
 #include "tests/pptlinks/code_page_guard.h"
 #include "tests/support/presentation_builder.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
-#include <sys/wait.h>
 #include <vector>
 
 namespace pptlinks {
-
-struct RunResult {
-    int status = -1;
-    std::string out;
-    std::string error;
-};
 
 class ProgramRun : public testing::Test {
   protected:
@@ -41,9 +34,11 @@ class ProgramRun : public testing::Test {
         return {std::istreambuf_iterator<char>(stream), {}};
     }
 
-    std::vector<std::string> names_in_folder() const {
+    std::vector<std::string> names_in_folder() const { return names_in(""); }
+
+    std::vector<std::string> names_in(const std::string& folder) const {
         std::vector<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(folder_)) {
+        for (const auto& entry : std::filesystem::directory_iterator(folder_ / folder)) {
             names.push_back(entry.path().filename().string());
         }
         std::sort(names.begin(), names.end());
@@ -69,20 +64,10 @@ class ProgramRun : public testing::Test {
         return result;
     }
 
-    // The built program, for what only a process of its own shows; `out` holds both its outputs.
-    // The arguments are words of a shell.
-    RunResult run_built(const std::string& arguments) const {
-        const std::string command = "cd '" + folder_.string() + "' && LC_ALL=C '" +
-                                    PPTLINKS_PROGRAM + "' " + arguments + " 2>&1";
-        FILE* const pipe = popen(command.c_str(), "r");
-        RunResult result;
-        char buffer[4096];
-        while (const std::size_t count = std::fread(buffer, 1, sizeof buffer, pipe)) {
-            result.out.append(buffer, count);
-        }
-        const int ended = pclose(pipe);
-        result.status = WIFEXITED(ended) ? WEXITSTATUS(ended) : -1;
-        return result;
+    // The built program in a process of its own, in the test's folder; see BuiltProgram.
+    RunResult run_built(const std::vector<std::string>& arguments,
+                        const std::function<void()>& prepare = {}) const {
+        return BuiltProgram(folder_.string(), arguments, prepare).wait();
     }
 
   private:

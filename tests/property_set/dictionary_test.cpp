@@ -51,6 +51,19 @@ TEST(Dictionary, NamesOfEveryLengthInEveryCodePage) {
     }
 }
 
+// It would lead to an id that goes by another name, which a new owner of the name took along.
+TEST(Dictionary, ASecondNameOfAnIdIsNobodysName) {
+    const std::vector<raw_stream::Name> names{{2, latin("A")}, {2, latin("B")}, {3, latin("C")}};
+    PropertySet set = open_user(raw_stream::user_stream({{0, dictionary(1252, names)},
+                                                         {1, raw_stream::i2(1252)},
+                                                         {2, raw_stream::i4(2)},
+                                                         {3, raw_stream::i4(3)}}));
+    EXPECT_EQ(id_of(set, u"B"), std::nullopt);
+    rename(set, 3, u"B");
+    EXPECT_EQ(names_of(set), (std::vector<std::u16string>{u"A", u"B"}));
+    EXPECT_EQ(id_of(set, u"B"), 3u);
+}
+
 TEST(Dictionary, ByteCountsWithUtf16AreReadAndBecomeUnitCounts) {
     const std::vector<raw_stream::Name> names{{2, utf16(u"odd")}, {3, utf16(u"even")}};
     PropertySet set = open_user(named_stream(1200, names, raw_stream::Lengths::in_bytes));

@@ -1,6 +1,6 @@
 // IPropertyStorage on a stream in memory that can be told to fail.
+#include "platform/adapters/com_object.h"
 #include "platform/base/com_ptr.h"
-#include "platform/posix/com_object.h"
 #include "platform/posix/kernel.h"
 #include "platform/posix/property_storage.h"
 #include "platform/posix/settings.h"

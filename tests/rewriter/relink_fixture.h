@@ -77,8 +77,9 @@ class RelinkTest : public plugin_test::PluginTest {
     }
 
     static std::string ansi(const std::u16string& text) {
+        const std::basic_string<WCHAR> wide(text.begin(), text.end());
         std::string out(4 * text.size() + 1, '\0');
-        WideCharToMultiByte(CP_ACP, 0, text.c_str(), -1, out.data(), static_cast<int>(out.size()),
+        WideCharToMultiByte(CP_ACP, 0, wide.c_str(), -1, out.data(), static_cast<int>(out.size()),
                             nullptr, nullptr);
         return out.c_str();
     }

@@ -74,6 +74,15 @@ TEST(TextRuns, LayoutsLeadToTheNextRun) {
     }
 }
 
+TEST(TextRuns, ARunWithoutEndDoesNotBecomeAShortOne) {
+    const TextRun endless{0xFFFFFFFF};
+    PptRecord atom(nullptr);
+    fill(atom, presentation_builder::text_special_info({&endless, 1}));
+    const bytes::Bytes before = atom.body;
+    v_adjustTextRuns(atom, 9, replace_second());
+    EXPECT_EQ(atom.body, before);
+}
+
 TEST(TextRuns, ListOfSmartTagsIsBelievedOnlyAsFarAsItReaches) {
     for (const auto& [count, explained] :
          {std::pair(2U, true), {1U, false}, {0xFFFFFFFFU, false}}) {
