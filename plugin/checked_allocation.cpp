@@ -4,6 +4,8 @@
 #include "plugin/error_params.h"
 #include "plugin/status.h"
 
+#include <limits>
+
 namespace ppt {
 
 namespace {
@@ -19,6 +21,22 @@ void run_new_handler(std::size_t requested) noexcept {
         v_setErrorParamNumbers(static_cast<std::int32_t>(requested),
                                static_cast<std::int32_t>(n_getAvailablePhysicalMemory()));
     }
+}
+
+void* allocate_for_zlib(void*, unsigned int count, unsigned int size) noexcept {
+    const std::uint64_t wanted = std::uint64_t{count} * size;
+    if (wanted > std::numeric_limits<std::size_t>::max()) {
+        return nullptr;
+    }
+    try {
+        return operator new(static_cast<std::size_t>(wanted));
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+void free_for_zlib(void*, void* memory) noexcept {
+    operator delete(memory);
 }
 
 void throw_out_of_memory(std::size_t requested) {

@@ -16,6 +16,10 @@ void install_new_handler();
 // memory in the error parameters.
 void run_new_handler(std::size_t requested) noexcept;
 
+// For `z_stream::zalloc` and `zfree`: what zlib allocates is the library's own as well.
+void* allocate_for_zlib(void*, unsigned int count, unsigned int size) noexcept;
+void free_for_zlib(void*, void* memory) noexcept;
+
 // Runs the new-handler and throws 8800.
 [[noreturn]] void throw_out_of_memory(std::size_t requested);
 

@@ -1,6 +1,7 @@
 #include "reader/object_storage.h"
 
 #include "common_new/common/storage.h"
+#include "plugin/checked_allocation.h"
 #include "plugin/document_path.h"
 #include "plugin/error_params.h"
 #include "plugin/status.h"
@@ -49,6 +50,8 @@ std::int32_t number(std::size_t size) {
 class Inflater {
   public:
     explicit Inflater(bytes::View source) {
+        stream_.zalloc = allocate_for_zlib;
+        stream_.zfree = free_for_zlib;
         stream_.next_in = source.data();
         stream_.avail_in = static_cast<uInt>(source.size());
         if (const int result = inflateInit(&stream_); result != Z_OK) {

@@ -62,6 +62,8 @@ bool retarget(IStorage* storage, const WidePath& wide_path, const std::string& p
 class Deflater {
   public:
     explicit Deflater(bytes::View source) {
+        stream_.zalloc = allocate_for_zlib;
+        stream_.zfree = free_for_zlib;
         stream_.next_in = source.data();
         stream_.avail_in = static_cast<uInt>(source.size());
         ready_ = deflateInit(&stream_, Z_DEFAULT_COMPRESSION);

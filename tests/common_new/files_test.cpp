@@ -12,7 +12,7 @@ class Files : public testing::Test {
   protected:
     Files()
         : directory_before_(std::filesystem::current_path()) {
-        platform::map_drive("C:=" + folder_.path());
+        platform::map_drive("Q:=" + folder_.path());
         mark_error_params();
     }
     ~Files() override { std::filesystem::current_path(directory_before_); }
@@ -26,51 +26,51 @@ class Files : public testing::Test {
 TEST_F(Files, CopyReplacesAnExistingDestinationUnlessForbidden) {
     folder_.write("a.ppt", "new content");
     folder_.write("b.ppt", "old");
-    EXPECT_EQ(j_copyFile("C:\\a.ppt", "C:\\b.ppt", true), 5400);
-    EXPECT_EQ(error_params(), Texts({"C:\\a.ppt", "C:\\b.ppt"}));
+    EXPECT_EQ(j_copyFile("Q:\\a.ppt", "Q:\\b.ppt", true), 5400);
+    EXPECT_EQ(error_params(), Texts({"Q:\\a.ppt", "Q:\\b.ppt"}));
     EXPECT_EQ(folder_.read("b.ppt"), "old");
     mark_error_params();
-    EXPECT_EQ(j_copyFile("C:\\a.ppt", "C:\\b.ppt", false), 0);
+    EXPECT_EQ(j_copyFile("Q:\\a.ppt", "Q:\\b.ppt", false), 0);
     EXPECT_EQ(folder_.read("b.ppt"), "new content");
-    EXPECT_EQ(j_copyFile("C:\\a.ppt", "C:\\c.ppt", true), 0);
+    EXPECT_EQ(j_copyFile("Q:\\a.ppt", "Q:\\c.ppt", true), 0);
     EXPECT_EQ(folder_.read("c.ppt"), "new content");
     EXPECT_EQ(error_params(), kUnchanged);
 }
 
 TEST_F(Files, CopyTellsWhyItFailed) {
     folder_.write("a.ppt", "content");
-    EXPECT_EQ(j_copyFile(nullptr, "C:\\b.ppt", false), 8300);
-    EXPECT_EQ(j_copyFile("C:\\a.ppt", nullptr, false), 8300);
+    EXPECT_EQ(j_copyFile(nullptr, "Q:\\b.ppt", false), 8300);
+    EXPECT_EQ(j_copyFile("Q:\\a.ppt", nullptr, false), 8300);
     EXPECT_EQ(error_params(), kUnchanged);
-    EXPECT_EQ(j_copyFile("C:\\gone.ppt", "C:\\b.ppt", false), 7510);
+    EXPECT_EQ(j_copyFile("Q:\\gone.ppt", "Q:\\b.ppt", false), 7510);
     ASSERT_EQ(error_params().size(), 3u);
     EXPECT_EQ(error_params()[1], "2");
-    EXPECT_EQ(j_copyFile("C:\\a.ppt", "C:\\gone\\b.ppt", false), 7520);
+    EXPECT_EQ(j_copyFile("Q:\\a.ppt", "Q:\\gone\\b.ppt", false), 7520);
     std::filesystem::create_directory(folder_.file("folder"));
-    EXPECT_EQ(j_copyFile("C:\\a.ppt", "C:\\folder", false), 6100);
-    EXPECT_EQ(error_params(), Texts({"C:\\folder", user_name()}));
+    EXPECT_EQ(j_copyFile("Q:\\a.ppt", "Q:\\folder", false), 6100);
+    EXPECT_EQ(error_params(), Texts({"Q:\\folder", user_name()}));
 }
 
 TEST_F(Files, CopyOntoAFileInUseIsDenied) {
     IStorage* opened = nullptr;
-    ASSERT_EQ(StgCreateDocfile(WIDE("C:\\used.ppt"),
+    ASSERT_EQ(StgCreateDocfile(WIDE("Q:\\used.ppt"),
                                STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE, 0, &opened),
               S_OK);
     const ComPtr<IStorage> user(opened);
     folder_.write("a.ppt", "content");
-    EXPECT_EQ(j_copyFile("C:\\a.ppt", "C:\\used.ppt", false), 6100);
-    EXPECT_EQ(error_params(), Texts({"C:\\used.ppt", user_name()}));
+    EXPECT_EQ(j_copyFile("Q:\\a.ppt", "Q:\\used.ppt", false), 6100);
+    EXPECT_EQ(error_params(), Texts({"Q:\\used.ppt", user_name()}));
 }
 
 TEST_F(Files, FullPathStartsAtTheCurrentDirectory) {
     std::filesystem::create_directory(folder_.file("Docs"));
-    ASSERT_NE(SetCurrentDirectoryA("C:\\Docs"), FALSE);
+    ASSERT_NE(SetCurrentDirectoryA("Q:\\Docs"), FALSE);
     const std::pair<const char*, const char*> cases[] = {
-        {"..\\b.doc", "C:\\b.doc"},
-        {"img\\.\\a.gif", "C:\\Docs\\img\\a.gif"},
-        {"\\x\\a.gif", "C:\\x\\a.gif"},
-        {"C:\\x\\..\\..\\y", "C:\\y"},
-        {"", "C:\\Docs"},
+        {"..\\b.doc", "Q:\\b.doc"},
+        {"img\\.\\a.gif", "Q:\\Docs\\img\\a.gif"},
+        {"\\x\\a.gif", "Q:\\x\\a.gif"},
+        {"Q:\\x\\..\\..\\y", "Q:\\y"},
+        {"", "Q:\\Docs"},
     };
     for (const auto& [path, expected] : cases) {
         std::string full_path = "old";
@@ -81,12 +81,12 @@ TEST_F(Files, FullPathStartsAtTheCurrentDirectory) {
 
 TEST_F(Files, FullPathNeedsRoomForItsTerminator) {
     std::string full_path = "old";
-    const std::string too_long = "C:\\" + std::string(257, 'x');
+    const std::string too_long = "Q:\\" + std::string(257, 'x');
     EXPECT_EQ(j_getFullPath(&full_path, too_long.c_str(), 260), 5100);
     EXPECT_EQ(error_params(), Texts({too_long, "260"}));
     EXPECT_EQ(full_path, "old");
     EXPECT_EQ(j_getFullPath(&full_path, too_long.substr(1).c_str(), 0), 5100);
-    const std::string longest = "C:\\" + std::string(256, 'x');
+    const std::string longest = "Q:\\" + std::string(256, 'x');
     EXPECT_EQ(j_getFullPath(&full_path, longest.c_str(), 260), 0);
     EXPECT_EQ(full_path, longest);
     EXPECT_EQ(j_getFullPath(nullptr, "a", 260), 8300);
@@ -95,16 +95,16 @@ TEST_F(Files, FullPathNeedsRoomForItsTerminator) {
 
 TEST_F(Files, ExistenceTellsMissingFromInvalid) {
     folder_.write("a.doc", "");
-    EXPECT_EQ(j_checkFileExists("C:\\a.doc"), 0);
-    EXPECT_EQ(j_checkFileExists("C:\\"), 0);
+    EXPECT_EQ(j_checkFileExists("Q:\\a.doc"), 0);
+    EXPECT_EQ(j_checkFileExists("Q:\\"), 0);
     EXPECT_EQ(error_params(), kUnchanged);
-    for (const char* missing : {"C:\\b.doc", "C:\\gone\\a.doc"}) {
+    for (const char* missing : {"Q:\\b.doc", "Q:\\gone\\a.doc"}) {
         EXPECT_EQ(j_checkFileExists(missing), 7510);
         EXPECT_EQ(error_params(), Texts({missing}));
     }
-    EXPECT_EQ(j_checkFileExists("C:\\a[1]<.doc"), 7580);
-    EXPECT_EQ(error_params(), Texts({"C:\\a[1]<.doc", "5"}));
-    EXPECT_EQ(j_checkFileExists("C:\\a?b.doc"), 7585);
+    EXPECT_EQ(j_checkFileExists("Q:\\a[1]<.doc"), 7580);
+    EXPECT_EQ(error_params(), Texts({"Q:\\a[1]<.doc", "5"}));
+    EXPECT_EQ(j_checkFileExists("Q:\\a?b.doc"), 7585);
     ASSERT_EQ(error_params().size(), 3u);
     EXPECT_EQ(error_params()[1], "7b");
 }

@@ -28,9 +28,9 @@ class ScriptedObject : public Interface {
   public:
     Script script;
 
-    HRESULT QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
-    ULONG AddRef() override { return 1; }
-    ULONG Release() override { return 1; }
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
+    ULONG STDMETHODCALLTYPE AddRef() override { return 1; }
+    ULONG STDMETHODCALLTYPE Release() override { return 1; }
 };
 
 class ScriptedStream final : public ScriptedObject<IStream> {
@@ -39,72 +39,86 @@ class ScriptedStream final : public ScriptedObject<IStream> {
     std::int64_t move_asked = 0;
     std::uint64_t count_asked = 0;
 
-    HRESULT Read(void*, ULONG count, ULONG* read) override {
+    HRESULT STDMETHODCALLTYPE Read(void*, ULONG count, ULONG* read) override {
         count_asked = count;
         *read = static_cast<ULONG>(script.moved);
         return script.answer();
     }
-    HRESULT Write(const void*, ULONG count, ULONG* written) override {
+    HRESULT STDMETHODCALLTYPE Write(const void*, ULONG count, ULONG* written) override {
         count_asked = count;
         *written = static_cast<ULONG>(script.moved);
         return script.answer();
     }
-    HRESULT Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER* position) override {
+    HRESULT STDMETHODCALLTYPE Seek(LARGE_INTEGER move, DWORD origin,
+                                   ULARGE_INTEGER* position) override {
         move_asked = move.QuadPart;
         origin_asked = origin;
         position->QuadPart = script.moved;
         return script.answer();
     }
-    HRESULT CopyTo(IStream*, ULARGE_INTEGER count, ULARGE_INTEGER* read,
-                   ULARGE_INTEGER* written) override {
+    HRESULT STDMETHODCALLTYPE CopyTo(IStream*, ULARGE_INTEGER count, ULARGE_INTEGER* read,
+                                     ULARGE_INTEGER* written) override {
         count_asked = count.QuadPart;
         read->QuadPart = script.moved;
         written->QuadPart = script.written;
         return script.answer();
     }
-    HRESULT SetSize(ULARGE_INTEGER) override { return E_NOTIMPL; }
-    HRESULT Commit(DWORD) override { return E_NOTIMPL; }
-    HRESULT Revert() override { return E_NOTIMPL; }
-    HRESULT LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override { return E_NOTIMPL; }
-    HRESULT UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override { return E_NOTIMPL; }
-    HRESULT Stat(STATSTG*, DWORD) override { return E_NOTIMPL; }
-    HRESULT Clone(IStream**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE SetSize(ULARGE_INTEGER) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Commit(DWORD) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Revert() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE Stat(STATSTG*, DWORD) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Clone(IStream**) override { return E_NOTIMPL; }
 };
 
 class ScriptedStorage final : public ScriptedObject<IStorage> {
   public:
     DWORD mode_asked = 0;
 
-    HRESULT OpenStream(const WCHAR*, void*, DWORD mode, DWORD, IStream**) override {
+    HRESULT STDMETHODCALLTYPE OpenStream(const WCHAR*, void*, DWORD mode, DWORD,
+                                         IStream**) override {
         mode_asked = mode;
         return script.answer();
     }
-    HRESULT OpenStorage(const WCHAR*, IStorage*, DWORD mode, WCHAR**, DWORD, IStorage**) override {
+    HRESULT STDMETHODCALLTYPE OpenStorage(const WCHAR*, IStorage*, DWORD mode, WCHAR**, DWORD,
+                                          IStorage**) override {
         mode_asked = mode;
         return script.answer();
     }
-    HRESULT CreateStream(const WCHAR*, DWORD, DWORD, DWORD, IStream**) override {
+    HRESULT STDMETHODCALLTYPE CreateStream(const WCHAR*, DWORD, DWORD, DWORD, IStream**) override {
         return E_NOTIMPL;
     }
-    HRESULT CreateStorage(const WCHAR*, DWORD, DWORD, DWORD, IStorage**) override {
+    HRESULT STDMETHODCALLTYPE CreateStorage(const WCHAR*, DWORD, DWORD, DWORD,
+                                            IStorage**) override {
         return E_NOTIMPL;
     }
-    HRESULT CopyTo(DWORD, const IID*, WCHAR**, IStorage*) override { return E_NOTIMPL; }
-    HRESULT MoveElementTo(const WCHAR*, IStorage*, const WCHAR*, DWORD) override {
+    HRESULT STDMETHODCALLTYPE CopyTo(DWORD, const IID*, WCHAR**, IStorage*) override {
         return E_NOTIMPL;
     }
-    HRESULT Commit(DWORD) override { return E_NOTIMPL; }
-    HRESULT Revert() override { return E_NOTIMPL; }
-    HRESULT EnumElements(DWORD, void*, DWORD, IEnumSTATSTG**) override { return E_NOTIMPL; }
-    HRESULT DestroyElement(const WCHAR*) override { return E_NOTIMPL; }
-    HRESULT RenameElement(const WCHAR*, const WCHAR*) override { return E_NOTIMPL; }
-    HRESULT SetElementTimes(const WCHAR*, const FILETIME*, const FILETIME*,
-                            const FILETIME*) override {
+    HRESULT STDMETHODCALLTYPE MoveElementTo(const WCHAR*, IStorage*, const WCHAR*, DWORD) override {
         return E_NOTIMPL;
     }
-    HRESULT SetClass(REFCLSID) override { return E_NOTIMPL; }
-    HRESULT SetStateBits(DWORD, DWORD) override { return E_NOTIMPL; }
-    HRESULT Stat(STATSTG*, DWORD) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Commit(DWORD) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Revert() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE EnumElements(DWORD, void*, DWORD, IEnumSTATSTG**) override {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE DestroyElement(const WCHAR*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE RenameElement(const WCHAR*, const WCHAR*) override {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE SetElementTimes(const WCHAR*, const FILETIME*, const FILETIME*,
+                                              const FILETIME*) override {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE SetClass(REFCLSID) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE SetStateBits(DWORD, DWORD) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Stat(STATSTG*, DWORD) override { return E_NOTIMPL; }
 };
 
 } // namespace ppt::test

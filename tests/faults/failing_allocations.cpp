@@ -1,7 +1,6 @@
 #include "tests/faults/failing_allocations.h"
 
 #include <malloc.h>
-#include <zlib.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -14,14 +13,10 @@ void* __real_malloc(std::size_t size);
 void* __real_calloc(std::size_t count, std::size_t size);
 void* __real_realloc(void* block, std::size_t size);
 void __real_free(void* block);
-int __real_inflateInit_(z_streamp stream, const char* version, int size);
-int __real_deflateInit_(z_streamp stream, int level, const char* version, int size);
 void* __wrap_malloc(std::size_t size);
 void* __wrap_calloc(std::size_t count, std::size_t size);
 void* __wrap_realloc(void* block, std::size_t size);
 void __wrap_free(void* block);
-int __wrap_inflateInit_(z_streamp stream, const char* version, int size);
-int __wrap_deflateInit_(z_streamp stream, int level, const char* version, int size);
 }
 
 namespace fault {
@@ -140,15 +135,6 @@ void* __wrap_realloc(void* block, std::size_t size) {
 
 void __wrap_free(void* block) {
     fault::release(block);
-}
-
-int __wrap_inflateInit_(z_streamp stream, const char* version, int size) {
-    return fault::is_failing_one() ? Z_MEM_ERROR : __real_inflateInit_(stream, version, size);
-}
-
-int __wrap_deflateInit_(z_streamp stream, int level, const char* version, int size) {
-    return fault::is_failing_one() ? Z_MEM_ERROR
-                                   : __real_deflateInit_(stream, level, version, size);
 }
 
 void* operator new(std::size_t size) {

@@ -1,7 +1,7 @@
 // Makes one allocation of this program fail, and knows how many there are and how much they hold:
 // operator new in all its plain forms, and malloc, calloc and realloc as the program's own objects
 // call them (the linker sends these here, see CMakeLists.txt). What shared libraries allocate for
-// themselves is not seen; zlib's packing and unpacking count as one allocation each.
+// themselves is not seen.
 #pragma once
 
 #include <cstdint>

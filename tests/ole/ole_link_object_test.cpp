@@ -5,6 +5,7 @@
 #include "tests/ole/memory_storage.h"
 #include "tests/support/memory_backing.h"
 #include "tests/support/ole_storage.h"
+#include "tests/support/temporary_folder.h"
 
 #include <filesystem>
 #include <fstream>
@@ -69,8 +70,7 @@ class OleLinkObject : public testing::Test {
         return {stream.begin() + 28, stream.begin() + 24 + size};
     }
 
-    std::filesystem::path folder_ =
-        std::filesystem::temp_directory_path() / ("ole-link-" + std::to_string(::getpid()));
+    std::filesystem::path folder_ = make_temporary_folder("ole-link");
 };
 
 const Bytes kOldFile = file_moniker({"C:\\old\\book.xls"});

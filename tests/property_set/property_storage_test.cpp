@@ -1,8 +1,7 @@
 // IPropertyStorage on a stream in memory that can be told to fail.
 #include "platform/adapters/com_object.h"
 #include "platform/base/com_ptr.h"
-#include "platform/posix/kernel.h"
-#include "platform/posix/property_storage.h"
+#include "platform/platform.h"
 #include "platform/posix/settings.h"
 #include "tests/property_set/raw_stream.h"
 
@@ -20,10 +19,10 @@ class MemoryStream final : public platform::ComObject<IStream> {
         : content(std::move(initial)) {}
     ~MemoryStream() override = default;
 
-    HRESULT QueryInterface(REFIID iid, void** object) override {
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
         return answer(iid, object, {IID_ISequentialStream, IID_IStream});
     }
-    HRESULT Read(void* buffer, ULONG count, ULONG* read) override {
+    HRESULT STDMETHODCALLTYPE Read(void* buffer, ULONG count, ULONG* read) override {
         const std::size_t there = std::min<std::size_t>(count, content.size() - position_);
         std::copy_n(content.begin() + static_cast<std::ptrdiff_t>(position_), there,
                     static_cast<BYTE*>(buffer));
@@ -31,7 +30,7 @@ class MemoryStream final : public platform::ComObject<IStream> {
         *read = static_cast<ULONG>(there);
         return S_OK;
     }
-    HRESULT Write(const void* buffer, ULONG count, ULONG* written) override {
+    HRESULT STDMETHODCALLTYPE Write(const void* buffer, ULONG count, ULONG* written) override {
         ++writes;
         if (write_result != S_OK) {
             return write_result;
@@ -43,29 +42,34 @@ class MemoryStream final : public platform::ComObject<IStream> {
         *written = count;
         return S_OK;
     }
-    HRESULT Seek(LARGE_INTEGER move, DWORD, ULARGE_INTEGER*) override {
+    HRESULT STDMETHODCALLTYPE Seek(LARGE_INTEGER move, DWORD, ULARGE_INTEGER*) override {
         position_ = static_cast<std::size_t>(move.QuadPart);
         return S_OK;
     }
-    HRESULT SetSize(ULARGE_INTEGER size) override {
+    HRESULT STDMETHODCALLTYPE SetSize(ULARGE_INTEGER size) override {
         const HRESULT result = size.QuadPart > content.size() ? grow_result : cut_result;
         if (result == S_OK) {
             content.resize(size.QuadPart);
         }
         return result;
     }
-    HRESULT CopyTo(IStream*, ULARGE_INTEGER, ULARGE_INTEGER*, ULARGE_INTEGER*) override {
+    HRESULT STDMETHODCALLTYPE CopyTo(IStream*, ULARGE_INTEGER, ULARGE_INTEGER*,
+                                     ULARGE_INTEGER*) override {
         return STG_E_INVALIDFUNCTION;
     }
-    HRESULT Commit(DWORD) override { return commit_result; }
-    HRESULT Revert() override { return S_OK; }
-    HRESULT LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override { return S_OK; }
-    HRESULT UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override { return S_OK; }
-    HRESULT Stat(STATSTG* stat, DWORD) override {
+    HRESULT STDMETHODCALLTYPE Commit(DWORD) override { return commit_result; }
+    HRESULT STDMETHODCALLTYPE Revert() override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override {
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override {
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE Stat(STATSTG* stat, DWORD) override {
         stat->cbSize.QuadPart = content.size();
         return S_OK;
     }
-    HRESULT Clone(IStream**) override { return STG_E_INVALIDFUNCTION; }
+    HRESULT STDMETHODCALLTYPE Clone(IStream**) override { return STG_E_INVALIDFUNCTION; }
 
     bytes::Bytes content;
     int writes = 0;
