@@ -79,6 +79,10 @@ std::int32_t rewrite_copy(ComPtr<IStorage> root, std::int32_t flags) {
         v_setErrorParamText(document_path());
         return status::kInUseByOther;
     }
+    if (copy.persist_directory().b_goesOnAtIdZero()) {
+        v_setErrorParamText(document_path());
+        return status::kDamaged;
+    }
     status = j_rewriteLinks(copy, flags);
     copy.v_releaseDocumentStream();
     v_logLine("Link paths have been rewritten");

@@ -86,6 +86,19 @@ void PersistDirectory::v_buildObjectArray() {
     ids_by_offset_.clear();
 }
 
+bool PersistDirectory::b_goesOnAtIdZero() const {
+    bool goes_on = false;
+    for (const Block& block : blocks_) {
+        bool ended = false;
+        for_each_entry(block, [&](const Entry& entry) {
+            ended = ended || entry.first == 0;
+            goes_on = goes_on || (ended && entry.first + std::uint64_t{entry.present} > 1);
+            return !goes_on;
+        });
+    }
+    return goes_on;
+}
+
 std::uint32_t PersistDirectory::n_objectOffset(std::uint32_t id) const {
     return id < 1 || id > objects_.size() ? kNoOffset : objects_[id - 1].offset;
 }

@@ -31,6 +31,10 @@ class PersistDirectory {
     // which is at most 2^20 + 4094.
     void v_buildObjectArray();
 
+    // Whether a block has entries from persist id 0 on, where the object array ends: ids that are
+    // looked up there would not be in a new directory.
+    bool b_goesOnAtIdZero() const;
+
     // The number of entries of the object array: the highest persist id found.
     std::int32_t count() const { return static_cast<std::int32_t>(objects_.size()); }
 

@@ -287,6 +287,15 @@ TEST_F(KeepGoingTest, EntriesOfThePersistDirectoryThatLeadNowhereStay) {
 }
 
 // What lacks in a storage is no failing device.
+// The object array ends at persist id 0, and a new directory lists what the array holds.
+TEST_F(KeepGoingTest, ADocumentThatOnlyALookupFindsIsNotRewritten) {
+    Deck deck;
+    deck.add_slide().shape(Shape().link(deck.hyperlink(u"http://a/")));
+    deck.directory_entry({.id = 0, .offset = 0});
+    expect_left_out(deck, "1|5650|slide|1", {});
+    EXPECT_EQ(rewrite("out.ppt"), status::kDamaged);
+}
+
 TEST_F(KeepGoingTest, AStorageThatEndsTooEarlyIsLeftOut) {
     Bytes image = ole_storage_to("C:\\book.xls");
     image.resize(image.size() - 700);

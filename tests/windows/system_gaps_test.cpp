@@ -1,6 +1,6 @@
-// Where the Windows of a test machine falls short: each call that the other tests send to our engines
-// instead, with the result that Wine 8 gives and the one that Windows is known to give. When a case
-// here fails under another Wine, that call need no longer be replaced.
+// Where the Windows of a test machine falls short: each call that the other tests send to our
+// engines instead, with the result that Wine 8 gives and the one that Windows is known to give.
+// When a case here fails under another Wine, that call need no longer be replaced.
 #include "tests/ole/memory_storage.h"
 #include "tests/support/ole_storage.h"
 #include "tests/support/property_stream.h"
@@ -36,8 +36,8 @@ HRESULT open_section(const Bytes& stream, REFFMTID section, ComPtr<IPropertyStor
 // As every presentation with user-defined properties has it.
 TEST(SystemGaps, APropertySetOfTwoSectionsDoesNotOpen) {
     const Bytes stream = PropertyStream().text(u"a name", u"a value").build();
-    constexpr HRESULT kOfWine = sizeof(void*) == 8 ? STG_E_INVALIDPOINTER
-                                                   : STG_E_INSUFFICIENTMEMORY;
+    constexpr HRESULT kOfWine =
+        sizeof(void*) == 8 ? STG_E_INVALIDPOINTER : STG_E_INSUFFICIENTMEMORY;
     for (const FMTID& section : {FMTID_DocSummaryInformation, FMTID_UserDefinedProperties}) {
         ComPtr<IPropertyStorage> properties;
         expect_result(open_section(stream, section, properties), S_OK, kOfWine);
@@ -74,8 +74,7 @@ TEST(SystemGaps, ItemsOfFilesHaveNoMonikers) {
                                      moniker.put()),
                   MK_E_CANTOPENFILE, E_NOTIMPL);
     const std::wstring item = (folder / "book.xls").wstring() + L"!Sheet1";
-    const HRESULT parsed =
-        MkParseDisplayName(context.get(), item.c_str(), &eaten, moniker.put());
+    const HRESULT parsed = MkParseDisplayName(context.get(), item.c_str(), &eaten, moniker.put());
     if (is_wine()) {
         expect_result(parsed, E_NOTIMPL, E_NOTIMPL);
     } else { // the application that is registered for the file has a say
