@@ -7,11 +7,13 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 namespace ppt::test {
 namespace {
 
 constexpr const char* kDocument = "Q:\\talk.ppt";
-constexpr HRESULT kUnlisted = hresult(0x80030109); // STG_E_DOCFILECORRUPT
+constexpr auto kUnlisted = static_cast<HRESULT>(0x80030109); // STG_E_DOCFILECORRUPT
 
 TEST(ComError, BecomesAStatusAndTheSystemErrorForm) {
     const std::pair<std::uint32_t, std::int32_t> cases[] = {
@@ -21,7 +23,7 @@ TEST(ComError, BecomesAStatusAndTheSystemErrorForm) {
         {0x800300FF, 8300}, {0x80030103, 5200}, {0x80030109, 8140}, {1, 8140},
     };
     for (const auto& [result, status] : cases) {
-        EXPECT_EQ(j_translateComError(hresult(result)), status) << std::hex << result;
+        EXPECT_EQ(j_translateComError(static_cast<HRESULT>(result)), status) << std::hex << result;
         const Texts params = error_params();
         ASSERT_EQ(params.size(), 3u);
         EXPECT_EQ(params[0], "1");

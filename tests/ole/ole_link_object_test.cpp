@@ -36,10 +36,16 @@ class OleLinkObject : public testing::Test {
         return link;
     }
 
+    static HRESULT set_source(IOleLink* link, std::u16string_view source) {
+        const std::basic_string<WCHAR> name(source.begin(), source.end());
+        return link->SetSourceDisplayName(name.c_str());
+    }
+
     static std::u16string source_of(IOleLink* link) {
         WCHAR* name = nullptr;
         EXPECT_EQ(link->GetSourceDisplayName(&name), S_OK);
-        const std::u16string copy = name;
+        const std::basic_string_view<WCHAR> text = name;
+        const std::u16string copy(text.begin(), text.end());
         ComPtr<IMalloc> allocator;
         EXPECT_EQ(CoGetMalloc(MEMCTX_TASK, allocator.put()), S_OK);
         allocator->Free(name);
@@ -55,7 +61,7 @@ class OleLinkObject : public testing::Test {
     static Bytes with_source(const Bytes& image, const char16_t* source) {
         const MemoryStorage storage(image);
         const ComPtr<IOleLink> link = load(storage);
-        EXPECT_EQ(link->SetSourceDisplayName(source), S_OK);
+        EXPECT_EQ(set_source(link.get(), source), S_OK);
         EXPECT_EQ(link->Update(nullptr), S_OK);
         ComPtr<IPersistStorage> object;
         EXPECT_EQ(link->QueryInterface(IID_IPersistStorage, object.put_void()), S_OK);
@@ -127,19 +133,19 @@ TEST_F(OleLinkObject, NewSourceMustBeFoundUnlessItIsTrusted) {
     EXPECT_EQ(link->Update(nullptr), MK_E_CANTOPENFILE); // where the object pointed before
     for (const char16_t* found : {u"Q:\\DATA\\Book.XLS", u"q:/data/book.xls!Sheet1!R1C1",
                                   u"\\\\srv\\pub\\data\\book.xls"}) {
-        EXPECT_EQ(link->SetSourceDisplayName(found), S_OK);
+        EXPECT_EQ(set_source(link.get(), found), S_OK);
         EXPECT_EQ(link->Update(nullptr), S_OK);
         EXPECT_EQ(source_of(link.get()), found);
     }
     for (const char16_t* missing : {u"Q:\\data\\none.xls", u"Q:\\data", u"\\\\srv\\other\\b.xls"}) {
         platform::trust_link_targets(false);
-        EXPECT_EQ(link->SetSourceDisplayName(missing), S_OK);
+        EXPECT_EQ(set_source(link.get(), missing), S_OK);
         EXPECT_EQ(link->Update(nullptr), MK_E_CANTOPENFILE);
         platform::trust_link_targets(true);
         EXPECT_EQ(link->Update(nullptr), S_OK);
     }
     for (const char16_t* no_name : {u"", u"!Sheet1", u"C:\\book.xls!"}) {
-        EXPECT_EQ(link->SetSourceDisplayName(no_name), MK_E_SYNTAX);
+        EXPECT_EQ(set_source(link.get(), no_name), MK_E_SYNTAX);
     }
     EXPECT_EQ(link->SetSourceDisplayName(nullptr), E_INVALIDARG);
     EXPECT_EQ(source_of(link.get()), u"\\\\srv\\other\\b.xls");

@@ -50,7 +50,7 @@ class HostVersion : public testing::Test {
     ComPtr<IStorage> open(presentation_builder::Deck& deck) {
         path_ = testing::TempDir() + "host_version.ppt";
         deck.write(path_);
-        const std::u16string wide(path_.begin(), path_.end());
+        const std::basic_string<WCHAR> wide(path_.begin(), path_.end());
         ComPtr<IStorage> root;
         EXPECT_EQ(StgOpenStorage(wide.c_str(), nullptr, STGM_READ | STGM_SHARE_DENY_WRITE, nullptr,
                                  0, root.put()),
@@ -69,7 +69,7 @@ TEST_F(HostVersion, IsThatOfTheFileAndTheStreamIsFreeAfterwards) {
     const ComPtr<IStorage> root = open(deck);
     EXPECT_EQ(j_getPowerPointVersion(root.get()), 3);
     ComPtr<IStream> current_user;
-    EXPECT_EQ(root->OpenStream(u"Current User", nullptr, STGM_READ | STGM_SHARE_EXCLUSIVE, 0,
+    EXPECT_EQ(root->OpenStream(WIDE("Current User"), nullptr, STGM_READ | STGM_SHARE_EXCLUSIVE, 0,
                                current_user.put()),
               S_OK);
 }

@@ -35,11 +35,12 @@ TEST(Messages, EveryStatusHasASentenceThatNamesItsFile) {
         const Message& row = message_table()[i];
         EXPECT_EQ(row.status, kAll[i]);
         const std::string copy = row.culprit == Culprit::copy ? "moved.ppt" : "talk.ppt";
-        for (const std::vector<WideString>& parameters : {std::vector<WideString>{},
-                                                          {u"one"},
-                                                          {u"one", u"two"},
-                                                          {u"one", u"two", u"three"},
-                                                          {u"0", u"20", u"The reason.\r\n"}}) {
+        for (const std::vector<WideString>& parameters :
+             {std::vector<WideString>{},
+              {WIDE("one")},
+              {WIDE("one"), WIDE("two")},
+              {WIDE("one"), WIDE("two"), WIDE("three")},
+              {WIDE("0"), WIDE("20"), WIDE("The reason.\r\n")}}) {
             EXPECT_TRUE(is_sentence(said(kAll[i], parameters), "talk.ppt"))
                 << said(kAll[i], parameters);
             EXPECT_TRUE(is_sentence(said(kAll[i], parameters, true), copy))
@@ -50,25 +51,29 @@ TEST(Messages, EveryStatusHasASentenceThatNamesItsFile) {
 }
 
 TEST(Messages, ParametersAppearWhereTheyHelp) {
-    EXPECT_NE(said(kIndexOutOfRange, {u"7", u"3"}).find("number 7, only 3 links"),
+    EXPECT_NE(said(kIndexOutOfRange, {WIDE("7"), WIDE("3")}).find("number 7, only 3 links"),
               std::string::npos);
-    EXPECT_NE(said(kVersionAboveCeiling, {u"9", u"3"}).find("version 9 is above 3, the newest"),
+    EXPECT_NE(
+        said(kVersionAboveCeiling, {WIDE("9"), WIDE("3")}).find("version 9 is above 3, the newest"),
+        std::string::npos);
+    EXPECT_NE(said(kShortRead, {WIDE("/x"), WIDE("4"), WIDE("8")}).find("(4 of 8 bytes"),
               std::string::npos);
-    EXPECT_NE(said(kShortRead, {u"/x", u"4", u"8"}).find("(4 of 8 bytes"), std::string::npos);
-    EXPECT_NE(said(kSystemError, {u"0", u"6", u"The handle is invalid.\r\n"})
+    EXPECT_NE(said(kSystemError, {WIDE("0"), WIDE("6"), WIDE("The handle is invalid.\r\n")})
                   .find("an error (The handle is invalid); "),
               std::string::npos);
-    EXPECT_NE(said(kSystemError, {u"1", u"80040200", u""}).find("(error 80040200)"),
+    EXPECT_NE(said(kSystemError, {WIDE("1"), WIDE("80040200"), WIDE("")}).find("(error 80040200)"),
               std::string::npos);
     // The disk of a path without a drive letter has no name.
-    EXPECT_NE(said(kDiskFull, {u"", u"0"}).find("the disk is full"), std::string::npos);
+    EXPECT_NE(said(kDiskFull, {WIDE(""), WIDE("0")}).find("the disk is full"), std::string::npos);
     // A path that looks like the flag of a system error is still a path.
-    EXPECT_NE(said(kAccessDenied, {u"1", u"mary"}).find("to user mary"), std::string::npos);
+    EXPECT_NE(said(kAccessDenied, {WIDE("1"), WIDE("mary")}).find("to user mary"),
+              std::string::npos);
 }
 
 TEST(Messages, NothingInThemReachesTheTerminalRaw) {
-    const std::string text = sentence(StatusFailure(kElementMissing, {u"/x", u"\x1B[2J\u202E"}),
-                                      {"a\x1B[31m\n.ppt", {}});
+    const std::string text =
+        sentence(StatusFailure(kElementMissing, {WIDE("/x"), WIDE("\x1B[2J\u202E")}),
+                 {"a\x1B[31m\n.ppt", {}});
     EXPECT_NE(text.find("a\\x1B[31m\\x0A.ppt"), std::string::npos) << text;
     EXPECT_NE(text.find("\"\\x1B[2J<U+202E>\""), std::string::npos) << text;
 }

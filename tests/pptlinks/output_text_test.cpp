@@ -15,20 +15,20 @@ using Json = nlohmann::json;
 
 TEST(TerminalText, ShowsWhatWouldActOnTheTerminal) {
     const std::pair<WideString, std::string> cases[] = {
-        {u"C:\\a b.doc", "C:\\a b.doc"},
-        {u"\x1B[2J\x07", "\\x1B[2J\\x07"},
-        {WideString(u"\0\x7F\t", 3), "\\x00\\x7F\\x09"},
-        {u"\x9B"
-         u"31m\x85",
+        {WIDE("C:\\a b.doc"), "C:\\a b.doc"},
+        {WIDE("\x1B[2J\x07"), "\\x1B[2J\\x07"},
+        {WideString(WIDE("\0\x7F\t"), 3), "\\x00\\x7F\\x09"},
+        {WIDE("\x9B"
+              "31m\x85"),
          "<U+009B>31m<U+0085>"},
-        {u"cod.\u202Eexe\u2066", "cod.<U+202E>exe<U+2066>"},
-        {u"a\u2028b\uFEFF", "a<U+2028>b<U+FEFF>"},
-        {u"\xD83D\xDE00 \u00E9\u4E2D", "\U0001F600 \u00E9\u4E2D"},
-        {u"\xD83Dx\xDC00", "<U+D83D>x<U+DC00>"},
-        {u"\xDB40\xDC41", "<U+E0041>"},
-        {u"a\u200Db\uFE0F \u200C", "a<U+200D>b<U+FE0F> <U+200C>"},
-        {u"\u0646\u200C\u0645 \u2764\uFE0F\u200D", "\u0646\u200C\u0645 \u2764\uFE0F<U+200D>"},
-        {u"\u3164\u115F\uFFA0\uFDD0\xD83F\xDFFE", "<U+3164><U+115F><U+FFA0><U+FDD0><U+1FFFE>"},
+        {WIDE("cod.\u202Eexe\u2066"), "cod.<U+202E>exe<U+2066>"},
+        {WIDE("a\u2028b\uFEFF"), "a<U+2028>b<U+FEFF>"},
+        {WIDE("\xD83D\xDE00 \u00E9\u4E2D"), "\U0001F600 \u00E9\u4E2D"},
+        {WIDE("\xD83Dx\xDC00"), "<U+D83D>x<U+DC00>"},
+        {WIDE("\xDB40\xDC41"), "<U+E0041>"},
+        {WIDE("a\u200Db\uFE0F \u200C"), "a<U+200D>b<U+FE0F> <U+200C>"},
+        {WIDE("\u0646\u200C\u0645 \u2764\uFE0F\u200D"), "\u0646\u200C\u0645 \u2764\uFE0F<U+200D>"},
+        {WIDE("\u3164\u115F\uFFA0\uFDD0\xD83F\xDFFE"), "<U+3164><U+115F><U+FFA0><U+FDD0><U+1FFFE>"},
     };
     for (const auto& [text, shown] : cases) {
         EXPECT_EQ(terminal_text(text), shown);
@@ -40,10 +40,10 @@ TEST(TerminalText, ShowsWhatWouldActOnTheTerminal) {
 TEST(TextTable, ColumnsLineUpByWhatIsSeen) {
     TextTable table({{"N", true}, {"PATH"}, {"TEXT"}});
     table.add(std::string_view("1"));
-    table.add(WideView(u"\u4E2D\u6587"));
+    table.add(WideView(WIDE("\u4E2D\u6587")));
     table.add(std::string_view("x"));
     table.add(std::string_view("10"));
-    table.add(WideView(u"a\u0301\x1B"));
+    table.add(WideView(WIDE("a\u0301\x1B")));
     table.add(std::string_view(""));
     std::string out;
     table.append_to(out);

@@ -36,7 +36,7 @@ class MemoryStream final : public platform::ComObject<IStream> {
             return write_result;
         }
         const auto* data = static_cast<const BYTE*>(buffer);
-        content.resize(std::max(content.size(), position_ + count));
+        content.resize(std::max<std::size_t>(content.size(), position_ + count));
         std::copy_n(data, count, content.begin() + static_cast<std::ptrdiff_t>(position_));
         position_ += count;
         *written = count;
@@ -82,10 +82,10 @@ class MemoryStream final : public platform::ComObject<IStream> {
     std::size_t position_ = 0;
 };
 
-PROPSPEC named(const char16_t* name) {
+PROPSPEC named(const WCHAR* name) {
     PROPSPEC spec{};
     spec.ulKind = PRSPEC_LPWSTR;
-    spec.lpwstr = const_cast<char16_t*>(name);
+    spec.lpwstr = const_cast<WCHAR*>(name);
     return spec;
 }
 
@@ -102,20 +102,20 @@ ComPtr<IPropertyStorage> create_section(MemoryStream& stream) {
     return section;
 }
 
-HRESULT write_text(IPropertyStorage& section, const char16_t* name, const char16_t* text) {
+HRESULT write_text(IPropertyStorage& section, const WCHAR* name, const WCHAR* text) {
     const PROPSPEC spec = named(name);
     PROPVARIANT value{};
     value.vt = VT_LPWSTR;
-    value.pwszVal = const_cast<char16_t*>(text);
+    value.pwszVal = const_cast<WCHAR*>(text);
     return section.WriteMultiple(1, &spec, &value, 2);
 }
 
-std::u16string read_text(IPropertyStorage& section, const char16_t* name) {
+std::basic_string<WCHAR> read_text(IPropertyStorage& section, const WCHAR* name) {
     const PROPSPEC spec = named(name);
     PROPVARIANT value{};
     const HRESULT result = section.ReadMultiple(1, &spec, &value);
-    const std::u16string text =
-        result == S_OK && value.vt == VT_LPWSTR ? value.pwszVal : u"(nothing)";
+    const std::basic_string<WCHAR> text =
+        result == S_OK && value.vt == VT_LPWSTR ? value.pwszVal : WIDE("(nothing)");
     PropVariantClear(&value);
     return text;
 }
@@ -126,40 +126,40 @@ TEST(PropertyStorage, ChangesReachTheStreamAtCommitAndAtRelease) {
     EXPECT_EQ(StgOpenPropStg(stream.get(), FMTID_UserDefinedProperties, 0, 0, section.put()),
               STG_E_FILENOTFOUND);
     section = create_section(*stream.get());
-    EXPECT_EQ(write_text(*section.get(), u"one", u"1"), S_OK);
+    EXPECT_EQ(write_text(*section.get(), WIDE("one"), WIDE("1")), S_OK);
     EXPECT_EQ(stream->writes, 0);
     EXPECT_EQ(section->Commit(STGC_DEFAULT), S_OK);
-    EXPECT_EQ(read_text(*open_section(*stream.get()).get(), u"ONE"), u"1");
+    EXPECT_EQ(read_text(*open_section(*stream.get()).get(), WIDE("ONE")), WIDE("1"));
     EXPECT_EQ(section->Commit(STGC_DEFAULT), S_OK);
     EXPECT_EQ(stream->writes, 1) << "a commit without changes writes nothing";
 
-    EXPECT_EQ(write_text(*section.get(), u"dropped", u"0"), S_OK);
+    EXPECT_EQ(write_text(*section.get(), WIDE("dropped"), WIDE("0")), S_OK);
     EXPECT_EQ(section->Revert(), S_OK);
-    EXPECT_EQ(write_text(*section.get(), u"two", u"2"), S_OK);
+    EXPECT_EQ(write_text(*section.get(), WIDE("two"), WIDE("2")), S_OK);
     section.reset();
     section = open_section(*stream.get());
-    EXPECT_EQ(read_text(*section.get(), u"two"), u"2");
-    EXPECT_EQ(read_text(*section.get(), u"dropped"), u"(nothing)");
+    EXPECT_EQ(read_text(*section.get(), WIDE("two")), WIDE("2"));
+    EXPECT_EQ(read_text(*section.get(), WIDE("dropped")), WIDE("(nothing)"));
 }
 
 TEST(PropertyStorage, AFailingWriteIsReportedAndTheLengthIsTheOldOrTheNew) {
-    const std::u16string long_text(3000, u'x');
+    const std::basic_string<WCHAR> long_text(3000, u'x');
     struct Case {
         HRESULT MemoryStream::*fails;
-        const char16_t* text;
+        const WCHAR* text;
     };
     const Case cases[]{{&MemoryStream::grow_result, long_text.c_str()},
                        {&MemoryStream::write_result, long_text.c_str()},
                        {&MemoryStream::commit_result, long_text.c_str()},
-                       {&MemoryStream::cut_result, u""}};
+                       {&MemoryStream::cut_result, WIDE("")}};
     for (const Case& failing : cases) {
         ComPtr<MemoryStream> stream(new MemoryStream);
         ComPtr<IPropertyStorage> section = create_section(*stream.get());
-        ASSERT_EQ(write_text(*section.get(), u"p", u"middle"), S_OK);
+        ASSERT_EQ(write_text(*section.get(), WIDE("p"), WIDE("middle")), S_OK);
         ASSERT_EQ(section->Commit(STGC_DEFAULT), S_OK);
         const std::size_t old_length = stream->content.size();
 
-        ASSERT_EQ(write_text(*section.get(), u"p", failing.text), S_OK);
+        ASSERT_EQ(write_text(*section.get(), WIDE("p"), failing.text), S_OK);
         stream.get()->*failing.fails = STG_E_MEDIUMFULL;
         EXPECT_EQ(section->Commit(STGC_DEFAULT), STG_E_MEDIUMFULL);
         const std::size_t length = stream->content.size();
@@ -167,7 +167,7 @@ TEST(PropertyStorage, AFailingWriteIsReportedAndTheLengthIsTheOldOrTheNew) {
         stream.get()->*failing.fails = S_OK;
         EXPECT_EQ(section->Commit(STGC_DEFAULT), S_OK) << "the changes are still there";
         EXPECT_TRUE(length == old_length || length == stream->content.size());
-        EXPECT_EQ(read_text(*open_section(*stream.get()).get(), u"p"), failing.text);
+        EXPECT_EQ(read_text(*open_section(*stream.get()).get(), WIDE("p")), failing.text);
     }
 }
 
@@ -182,7 +182,7 @@ TEST(PropertyStorage, NarrowTextIsOfTheAnsiCodePage) {
         {3, raw_stream::lpstr("caf\xE9\0"sv)},
     })));
     ComPtr<IPropertyStorage> section = open_section(*stream.get());
-    for (const char16_t* name : {u"good", u"bad"}) {
+    for (const WCHAR* name : {WIDE("good"), WIDE("bad")}) {
         const PROPSPEC spec = named(name);
         PROPVARIANT value{};
         EXPECT_EQ(section->ReadMultiple(1, &spec, &value), S_OK);
@@ -205,7 +205,7 @@ TEST(PropertyStorage, ReadingSeveralGivesAllOrNothing) {
     specs[0].ulKind = specs[1].ulKind = PRSPEC_PROPID;
     specs[0].propid = 2;
     specs[1].propid = 3;
-    EXPECT_EQ(section->ReadMultiple(2, specs, values), hresult(0x80070032));
+    EXPECT_EQ(section->ReadMultiple(2, specs, values), static_cast<HRESULT>(0x80070032));
     EXPECT_EQ(values[0].vt, VT_EMPTY);
     specs[1].propid = 99;
     EXPECT_EQ(section->ReadMultiple(2, specs, values), S_OK);
@@ -217,12 +217,12 @@ TEST(PropertyStorage, ReadingSeveralGivesAllOrNothing) {
 TEST(PropertyStorage, EnumeratorsSeeTheListAsItWasAndCloneTheirPlace) {
     ComPtr<MemoryStream> stream(new MemoryStream);
     ComPtr<IPropertyStorage> section = create_section(*stream.get());
-    for (const char16_t* name : {u"one", u"two", u"three"}) {
-        ASSERT_EQ(write_text(*section.get(), name, u""), S_OK);
+    for (const WCHAR* name : {WIDE("one"), WIDE("two"), WIDE("three")}) {
+        ASSERT_EQ(write_text(*section.get(), name, WIDE("")), S_OK);
     }
     ComPtr<IEnumSTATPROPSTG> properties;
     ASSERT_EQ(section->Enum(properties.put()), S_OK);
-    const PROPSPEC gone = named(u"two");
+    const PROPSPEC gone = named(WIDE("two"));
     EXPECT_EQ(section->DeleteMultiple(1, &gone), S_OK);
     EXPECT_EQ(properties->Skip(1), S_OK);
     ComPtr<IEnumSTATPROPSTG> clone;
@@ -232,8 +232,8 @@ TEST(PropertyStorage, EnumeratorsSeeTheListAsItWasAndCloneTheirPlace) {
         ULONG fetched = 0;
         EXPECT_EQ(each->Next(3, stats, &fetched), S_FALSE);
         ASSERT_EQ(fetched, 2u);
-        EXPECT_EQ(std::u16string(stats[0].lpwstrName), u"two");
-        EXPECT_EQ(std::u16string(stats[1].lpwstrName), u"three");
+        EXPECT_EQ(std::basic_string<WCHAR>(stats[0].lpwstrName), WIDE("two"));
+        EXPECT_EQ(std::basic_string<WCHAR>(stats[1].lpwstrName), WIDE("three"));
         EXPECT_EQ(stats[1].propid, 4u);
         EXPECT_EQ(stats[1].vt, VT_LPWSTR);
         for (STATPROPSTG& stat : stats) {
