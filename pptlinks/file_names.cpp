@@ -5,7 +5,6 @@
 #include "pptlinks/machine.h"
 #include "pptlinks/text_encoding.h"
 
-#include <filesystem>
 #include <system_error>
 
 namespace pptlinks {
@@ -38,12 +37,22 @@ std::string folder_of(const std::string& path) {
 
 } // namespace
 
+std::filesystem::path fs_path(const std::string& native) {
+    return std::u8string(native.begin(), native.end());
+}
+
+std::string native_name(const std::filesystem::path& path) {
+    const std::u8string name = path.u8string();
+    return {name.begin(), name.end()};
+}
+
 std::string absolute_name(const std::string& typed) {
     if (has_windows_root(typed)) {
         return typed;
     }
     std::error_code no_current_folder;
-    const std::string absolute = std::filesystem::absolute(typed, no_current_folder).string();
+    const std::string absolute =
+        native_name(std::filesystem::absolute(fs_path(typed), no_current_folder));
     return no_current_folder ? typed : absolute;
 }
 
@@ -63,14 +72,14 @@ FileName file_name(const std::string& typed) {
 
 FileName beside(const FileName& file, const std::string& name) {
     FileName other = file;
-    other.native = (std::filesystem::path(file.native).parent_path() / name).string();
+    other.native = native_name(fs_path(file.native).parent_path() / name);
     other.ansi = ansi_or_throw(file.is_windows_path ? folder_of(file.typed) + name : other.native);
     return other;
 }
 
 bool is_same_file(const FileName& a, const FileName& b) {
     std::error_code missing;
-    return std::filesystem::equivalent(a.native, b.native, missing);
+    return std::filesystem::equivalent(fs_path(a.native), fs_path(b.native), missing);
 }
 
 } // namespace pptlinks

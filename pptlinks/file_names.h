@@ -4,6 +4,7 @@
 // path: a Windows path (C:\..., \\server\share\...) as it stands, any other made absolute here.
 #pragma once
 
+#include <filesystem>
 #include <string>
 
 namespace pptlinks {
@@ -15,6 +16,11 @@ struct FileName {
                         // names a drive or share that is not mapped
     bool is_windows_path = false;
 };
+
+// A native name for std::filesystem, and back: UTF-8 on Windows, the bytes of the file system
+// elsewhere.
+std::filesystem::path fs_path(const std::string& native);
+std::string native_name(const std::filesystem::path& path);
 
 // What names the same file whatever becomes the current directory: `typed` made absolute, a Windows
 // path as it stands. In UTF-8.

@@ -41,4 +41,7 @@ std::error_code create_temporary_file(std::string& path);
 // there is none, those of a new file. What replaces another is on the disk afterwards.
 std::error_code finish_temporary_file(const std::string& path, const std::string& old);
 
+// Removes the temporary file as far as that can be done, also when it is a copy of a read-only one.
+void remove_temporary_file(const std::string& path);
+
 } // namespace pptlinks

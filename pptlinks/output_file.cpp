@@ -20,8 +20,9 @@ std::string reason(const std::error_code& error) {
 // the plug-in knows the copy by its folder there.
 FileName follow_links(FileName out) {
     std::error_code missing;
-    if (!out.is_windows_path && std::filesystem::is_symlink(out.native, missing)) {
-        const std::string target = std::filesystem::canonical(out.native, missing).string();
+    if (!out.is_windows_path && std::filesystem::is_symlink(fs_path(out.native), missing)) {
+        const std::string target =
+            native_name(std::filesystem::canonical(fs_path(out.native), missing));
         if (!missing) {
             out.native = target;
         }
@@ -42,8 +43,7 @@ OutputFile::OutputFile(const FileName& source, const FileName& out)
 
 OutputFile::~OutputFile() {
     if (exists_) {
-        std::error_code ignored;
-        std::filesystem::remove(temporary_.native, ignored);
+        remove_temporary_file(temporary_.native);
     }
 }
 
@@ -56,7 +56,7 @@ void OutputFile::require_folder() const {
         fail("its drive or share is not known; name it with --drive");
     }
     std::error_code error;
-    const std::filesystem::path folder = std::filesystem::path(out_.native).parent_path();
+    const std::filesystem::path folder = fs_path(out_.native).parent_path();
     if (!std::filesystem::is_directory(folder, error)) {
         fail("its folder does not exist; create the folder or choose another");
     }
@@ -64,7 +64,7 @@ void OutputFile::require_folder() const {
 
 void OutputFile::look_at_old_file() const {
     std::error_code error;
-    const std::filesystem::file_status old = std::filesystem::status(out_.native, error);
+    const std::filesystem::file_status old = std::filesystem::status(fs_path(out_.native), error);
     if (!std::filesystem::exists(old)) {
         return;
     }
@@ -88,7 +88,7 @@ const std::string& OutputFile::create() {
     }
     temporary_.native = path;
     exists_ = true;
-    temporary_ = beside(out_, std::filesystem::path(path).filename().string());
+    temporary_ = beside(out_, native_name(fs_path(path).filename()));
     return temporary_.ansi;
 }
 
@@ -97,7 +97,7 @@ void OutputFile::publish() {
         fail("the copy could not be finished" + reason(error) + "; check the disk and try again");
     }
     std::error_code error;
-    std::filesystem::rename(temporary_.native, out_.native, error);
+    std::filesystem::rename(fs_path(temporary_.native), fs_path(out_.native), error);
     if (error) {
         fail("the finished copy could not be given this name" + reason(error) +
              "; choose another name");

@@ -88,4 +88,8 @@ std::error_code finish_temporary_file(const std::string& path, const std::string
     return error;
 }
 
+void remove_temporary_file(const std::string& path) {
+    ::unlink(path.c_str());
+}
+
 } // namespace pptlinks

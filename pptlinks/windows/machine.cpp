@@ -5,6 +5,8 @@
 #include "pptlinks/failure.h"
 #include "pptlinks/text_encoding.h"
 
+#include <vector>
+
 namespace pptlinks {
 
 namespace {
@@ -36,6 +38,20 @@ class FileHandle {
   private:
     HANDLE handle_;
 };
+
+// The security descriptor with the file's access control list; empty when there is no file, or it
+// keeps none.
+std::vector<std::uint8_t> access_list(const std::string& native) {
+    const WideString path = wide_path(native);
+    DWORD size = 0;
+    GetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, nullptr, 0, &size);
+    std::vector<std::uint8_t> descriptor(size);
+    if (GetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, descriptor.data(), size, &size) ==
+        FALSE) {
+        descriptor.clear();
+    }
+    return descriptor;
+}
 
 // Letters for the name of a temporary file, another text at every call.
 void fill_in(std::string& path, std::size_t count, std::uint32_t seed) {
@@ -107,13 +123,24 @@ std::error_code create_temporary_file(std::string& path) {
     return last_error();
 }
 
-std::error_code finish_temporary_file(const std::string& path, const std::string&) {
+std::error_code finish_temporary_file(const std::string& path, const std::string& old) {
+    const std::vector<std::uint8_t> access = access_list(old);
+    if (!access.empty() && SetFileSecurityW(wide_path(path).c_str(), DACL_SECURITY_INFORMATION,
+                                            const_cast<std::uint8_t*>(access.data())) == FALSE) {
+        return last_error();
+    }
     const FileHandle file(CreateFileW(wide_path(path).c_str(), GENERIC_WRITE, 0, nullptr,
                                       OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file.is_open() || FlushFileBuffers(file.get()) == 0) {
         return last_error();
     }
     return {};
+}
+
+void remove_temporary_file(const std::string& path) {
+    const WideString wide = wide_path(path);
+    SetFileAttributesW(wide.c_str(), FILE_ATTRIBUTE_NORMAL);
+    DeleteFileW(wide.c_str());
 }
 
 } // namespace pptlinks

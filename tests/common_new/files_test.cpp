@@ -2,6 +2,7 @@
 
 #include "common_new/common/files.h"
 #include "tests/common_new/support.h"
+#include "tests/support/drive_folder.h"
 
 #include <gtest/gtest.h>
 
@@ -12,12 +13,11 @@ class Files : public testing::Test {
   protected:
     Files()
         : directory_before_(std::filesystem::current_path()) {
-        platform::map_drive("Q:=" + folder_.path());
         mark_error_params();
     }
     ~Files() override { std::filesystem::current_path(directory_before_); }
 
-    const TempFolder folder_;
+    const TempFolder folder_{make_drive_folder("common_new")};
 
   private:
     const std::filesystem::path directory_before_;

@@ -3,6 +3,7 @@
 #include "plugin/exports.h"
 #include "tests/common_new/support.h"
 #include "tests/common_new/unprivileged.h"
+#include "tests/support/drive_folder.h"
 
 #include <gtest/gtest.h>
 
@@ -15,13 +16,11 @@ class Permissions : public testing::Test {
   protected:
     Permissions()
         : directory_before_(std::filesystem::current_path()) {
-        platform::map_drive("Q:=" + folder_.path());
-        platform::map_drive("\\\\srv\\pub=" + folder_.path());
         chmod(folder_.path().c_str(), 0755);
     }
     ~Permissions() override { std::filesystem::current_path(directory_before_); }
 
-    const TempFolder folder_;
+    const TempFolder folder_{make_drive_folder("common_new")};
 
   private:
     const std::filesystem::path directory_before_;

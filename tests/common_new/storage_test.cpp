@@ -4,6 +4,7 @@
 #include "common_new/common/storage.h"
 #include "tests/common_new/scripted_com.h"
 #include "tests/common_new/support.h"
+#include "tests/support/drive_folder.h"
 
 #include <gtest/gtest.h>
 
@@ -231,10 +232,7 @@ class CompoundFile : public testing::Test {
   protected:
     static constexpr DWORD kCreate = STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE;
 
-    CompoundFile() {
-        platform::map_drive("Q:=" + folder_.path());
-        mark_error_params();
-    }
+    CompoundFile() { mark_error_params(); }
 
     // A file with a sub-storage "Sub" and a stream "Data" of 12 bytes; empty if that fails.
     ComPtr<IStorage> create() {
@@ -251,7 +249,7 @@ class CompoundFile : public testing::Test {
         return j_openStorageFile(WIDE("Q:\\talk.ppt"), read_only, root.put());
     }
 
-    const TempFolder folder_;
+    const TempFolder folder_{make_drive_folder("common_new")};
     const DocumentPath path_{kDocument};
 };
 

@@ -88,12 +88,9 @@ class DocumentPath {
 
 class TempFolder {
   public:
-    TempFolder()
-        : path_(make_temporary_folder("common_new")) {}
-    ~TempFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
+    explicit TempFolder(std::filesystem::path path = make_temporary_folder("common_new"))
+        : path_(std::move(path)) {}
+    ~TempFolder() { remove_folder(path_); }
     TempFolder(const TempFolder&) = delete;
     TempFolder& operator=(const TempFolder&) = delete;
 

@@ -3,6 +3,7 @@
 #include "common_new/assert_report.h"
 #include "plugin/exports.h"
 #include "tests/common_new/support.h"
+#include "tests/support/drive_folder.h"
 
 #include <gtest/gtest.h>
 
@@ -36,8 +37,6 @@ class TargetAccess : public testing::Test {
                                  "Docs/Book.xls", "Docs/a!b.doc", "Docs/we!rd/Book.xls"}) {
             folder_.write(file, "content");
         }
-        platform::map_drive("Q:=" + folder_.path());
-        platform::map_drive("\\\\srv\\pub=" + folder_.path());
         mark_error_params();
     }
     ~TargetAccess() override {
@@ -84,7 +83,7 @@ class TargetAccess : public testing::Test {
         return std::filesystem::equivalent(std::filesystem::current_path(), folder_.file(folder));
     }
 
-    const TempFolder folder_;
+    const TempFolder folder_{make_drive_folder("common_new")};
 
   private:
     const std::filesystem::path directory_before_;

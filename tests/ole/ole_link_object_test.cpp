@@ -3,9 +3,9 @@
 #include "platform/compound_file/compound_file.h"
 #include "platform/posix/settings.h"
 #include "tests/ole/memory_storage.h"
+#include "tests/support/drive_folder.h"
 #include "tests/support/memory_backing.h"
 #include "tests/support/ole_storage.h"
-#include "tests/support/temporary_folder.h"
 
 #include <filesystem>
 #include <fstream>
@@ -19,15 +19,13 @@ class OleLinkObject : public testing::Test {
   protected:
     OleLinkObject() {
         std::filesystem::create_directories(folder_ / "data");
-        EXPECT_TRUE(platform::map_drive("Q:=" + folder_.string()));
-        EXPECT_TRUE(platform::map_drive("\\\\srv\\pub=" + folder_.string()));
         for (const char* name : {"data/book.xls", "data/odd!name.xls"}) {
             std::ofstream(folder_ / name) << "x";
         }
     }
     ~OleLinkObject() override {
         platform::trust_link_targets(false);
-        std::filesystem::remove_all(folder_);
+        remove_folder(folder_);
     }
 
     static ComPtr<IOleLink> load(const MemoryStorage& storage) {
@@ -76,7 +74,7 @@ class OleLinkObject : public testing::Test {
         return {stream.begin() + 28, stream.begin() + 24 + size};
     }
 
-    std::filesystem::path folder_ = make_temporary_folder("ole-link");
+    std::filesystem::path folder_ = make_drive_folder("ole-link");
 };
 
 const Bytes kOldFile = file_moniker({"C:\\old\\book.xls"});

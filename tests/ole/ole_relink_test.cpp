@@ -2,6 +2,7 @@
 // presentation with the OLE streams changed and nothing else.
 #include "platform/posix/settings.h"
 #include "tests/rewriter/relink_fixture.h"
+#include "tests/support/drive_folder.h"
 #include "tests/support/ole_storage.h"
 
 #include <random>
@@ -19,10 +20,10 @@ class OleRelinkTest : public RelinkTest {
   protected:
     void SetUp() override {
         RelinkTest::SetUp();
+        remove_folder(folder_);
+        folder_ = make_drive_folder("ole-relink");
         std::filesystem::create_directories(folder_ / "new");
         std::ofstream(folder_ / "new/book.xls") << "x";
-        ASSERT_TRUE(platform::map_drive("Q:=" + folder_.string()));
-        ASSERT_TRUE(platform::map_drive("\\\\srv\\pub=" + folder_.string()));
         deck_.add_slide();
         // With a list of hyperlinks, or its absence would be what the error parameters tell.
         deck_.properties(PropertyStream().blob(u"_PID_HLINKS", hyperlink_list({})).build());

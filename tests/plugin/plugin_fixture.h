@@ -43,7 +43,7 @@ class PluginTest : public testing::Test {
     void TearDown() override {
         j_unLoadFile();
         j_termDLL(0, 0);
-        std::filesystem::remove_all(folder_);
+        remove_folder(folder_);
     }
 
     static void start(const char* options) { ASSERT_EQ(j_initDLL(255, 0, options), 0); }

@@ -10,9 +10,15 @@ bytes::Bytes bytes_of(std::string_view text) {
     return {text.begin(), text.end()};
 }
 
+constexpr std::uint32_t kSingleBytePages[] = {874,   1250, 1251, 1252, 1253, 1254,
+                                              1255,  1256, 1257, 1258, 437,  850,
+#if !defined(_WIN32) // whose tables leave bytes of this one out
+                                              10000,
+#endif
+                                              28591, 28605};
+
 TEST(CodePage, EveryByteOfAnAnsiPageSurvivesARoundTrip) {
-    for (const std::uint32_t page : {874u, 1250u, 1251u, 1252u, 1253u, 1254u, 1255u, 1256u, 1257u,
-                                     1258u, 437u, 850u, 10000u, 28591u, 28605u}) {
+    for (const std::uint32_t page : kSingleBytePages) {
         bytes::Bytes all;
         for (int byte = 0; byte < 256; ++byte) {
             all.push_back(static_cast<std::uint8_t>(byte));

@@ -6,6 +6,18 @@
 #include <stdexcept>
 #include <string>
 
+// Removes what is there, also what is read-only, as copies of read-only files are on Windows.
+inline void remove_folder(const std::filesystem::path& folder) {
+    std::error_code ignored;
+#if defined(_WIN32)
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder, ignored)) {
+        std::filesystem::permissions(entry.path(), std::filesystem::perms::owner_write,
+                                     std::filesystem::perm_options::add, ignored);
+    }
+#endif
+    std::filesystem::remove_all(folder, ignored);
+}
+
 // Creates an empty folder whose name begins with `name`; whoever asks for it removes it.
 inline std::filesystem::path make_temporary_folder(const std::string& name) {
     constexpr int kTries = 100;

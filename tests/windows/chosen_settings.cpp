@@ -1,6 +1,6 @@
 // What tests of other systems set for themselves, on Windows: the ANSI code page, of which Windows
-// has one for all programs, and where drives and shares lie. The code page is chosen by standing
-// between the code under test and the functions of the system that know it; these do the work.
+// has one for all programs, and which drives are shares. The choices stand between the code under
+// test and the functions of the system that know them; these do the work.
 #include "platform/platform.h"
 #include "platform/posix/settings.h"
 
@@ -58,8 +58,21 @@ BOOL WINAPI page_info(UINT page, CPINFO* info) {
     return real(in_chosen_page(page), info);
 }
 
+} // namespace
+
+#define CHOSEN(name, argument_bytes, function)                                                     \
+    extern decltype(&::name) const pointer_to_##name IMPORT_POINTER(name, argument_bytes);         \
+    decltype(&::name) const pointer_to_##name = &function;
+
+extern "C" {
+CHOSEN(GetACP, 0, code_page)
+CHOSEN(MultiByteToWideChar, 24, to_wide)
+CHOSEN(WideCharToMultiByte, 32, to_ansi)
+CHOSEN(IsDBCSLeadByte, 4, is_lead_byte)
+CHOSEN(GetCPInfo, 8, page_info)
+
 // As the system answers for a drive that is connected to a share.
-DWORD WINAPI universal_name(const char* path, DWORD level, void* buffer, DWORD* size) {
+DWORD WINAPI WNetGetUniversalNameA(const char* path, DWORD level, void* buffer, DWORD* size) {
     const std::string text = path;
     const auto drive = drive_shares.find(text.substr(0, 2));
     if (drive == drive_shares.end() || level != UNIVERSAL_NAME_INFO_LEVEL) {
@@ -74,20 +87,6 @@ DWORD WINAPI universal_name(const char* path, DWORD level, void* buffer, DWORD* 
     std::copy_n(name.c_str(), name.size() + 1, info->lpUniversalName);
     return NO_ERROR;
 }
-
-} // namespace
-
-#define CHOSEN(name, argument_bytes, function)                                                     \
-    extern decltype(&::name) const pointer_to_##name IMPORT_POINTER(name, argument_bytes);         \
-    decltype(&::name) const pointer_to_##name = &function;
-
-extern "C" {
-CHOSEN(GetACP, 0, code_page)
-CHOSEN(MultiByteToWideChar, 24, to_wide)
-CHOSEN(WideCharToMultiByte, 32, to_ansi)
-CHOSEN(IsDBCSLeadByte, 4, is_lead_byte)
-CHOSEN(GetCPInfo, 8, page_info)
-CHOSEN(WNetGetUniversalNameA, 16, universal_name)
 }
 
 namespace platform {
@@ -100,21 +99,14 @@ bool set_ansi_code_page(std::uint32_t page) {
     return known;
 }
 
-// Drives at folders are real ones, for as long as this session of the system lasts. A share cannot
-// be made from here: it is there or not.
+// A drive that is a share, for the name of a path on it. What lies at a folder is the system's own.
 bool map_drive(const std::string& entry) {
-    const std::size_t equals = entry.find('=');
-    const std::string name = entry.substr(0, equals);
-    const std::string place = entry.substr(equals + 1);
-    if (name.starts_with("\\\\")) {
-        return GetFileAttributesA((name + '\\').c_str()) != INVALID_FILE_ATTRIBUTES;
+    const std::size_t equals = entry.find("=\\\\");
+    if (equals == std::string::npos) {
+        return false;
     }
-    if (place.starts_with("\\\\")) {
-        drive_shares[name] = place;
-        return true;
-    }
-    DefineDosDeviceA(DDD_REMOVE_DEFINITION, name.c_str(), nullptr); // of the test before
-    return DefineDosDeviceA(0, name.c_str(), place.c_str()) != FALSE;
+    drive_shares[entry.substr(0, equals)] = entry.substr(equals + 1);
+    return true;
 }
 
 } // namespace platform

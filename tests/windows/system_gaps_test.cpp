@@ -23,6 +23,12 @@ void expect_result(HRESULT result, HRESULT of_windows, HRESULT of_wine) {
         << std::hex << result;
 }
 
+class SystemGaps : public testing::Test {
+  protected:
+    void SetUp() override { ASSERT_EQ(OleInitialize(nullptr), S_OK); }
+    void TearDown() override { OleUninitialize(); }
+};
+
 HRESULT open_section(const Bytes& stream, REFFMTID section, ComPtr<IPropertyStorage>& properties) {
     const MemoryStorage storage(
         ole_storage({{std::u16string(kDocumentSummaryInformation), stream}}));
@@ -34,7 +40,7 @@ HRESULT open_section(const Bytes& stream, REFFMTID section, ComPtr<IPropertyStor
 }
 
 // As every presentation with user-defined properties has it.
-TEST(SystemGaps, APropertySetOfTwoSectionsDoesNotOpen) {
+TEST_F(SystemGaps, APropertySetOfTwoSectionsDoesNotOpen) {
     const Bytes stream = PropertyStream().text(u"a name", u"a value").build();
     constexpr HRESULT kOfWine =
         sizeof(void*) == 8 ? STG_E_INVALIDPOINTER : STG_E_INSUFFICIENTMEMORY;
@@ -44,26 +50,22 @@ TEST(SystemGaps, APropertySetOfTwoSectionsDoesNotOpen) {
     }
 }
 
-TEST(SystemGaps, ASectionThatIsNotThereOpensAsTheOneThatIs) {
+TEST_F(SystemGaps, ASectionThatIsNotThereOpensAsTheOneThatIs) {
     ComPtr<IPropertyStorage> properties;
     expect_result(open_section(PropertyStream().without_user_defined().build(),
                                FMTID_UserDefinedProperties, properties),
                   STG_E_FILENOTFOUND, S_OK);
 }
 
-TEST(SystemGaps, LinkedObjectsCannotBeLoaded) {
+TEST_F(SystemGaps, LinkedObjectsCannotBeLoaded) {
     const MemoryStorage storage(
         ole_storage(linked_object({{}, file_moniker({"C:\\old\\book.xls"})})));
-    ASSERT_EQ(OleInitialize(nullptr), S_OK);
-    {
-        ComPtr<IOleLink> link;
-        expect_result(OleLoad(storage.get(), IID_IOleLink, nullptr, link.put_void()), S_OK,
-                      E_NOINTERFACE);
-    }
-    OleUninitialize();
+    ComPtr<IOleLink> link;
+    expect_result(OleLoad(storage.get(), IID_IOleLink, nullptr, link.put_void()), S_OK,
+                  E_NOINTERFACE);
 }
 
-TEST(SystemGaps, ItemsOfFilesHaveNoMonikers) {
+TEST_F(SystemGaps, ItemsOfFilesHaveNoMonikers) {
     const std::filesystem::path folder = make_temporary_folder("gaps");
     std::ofstream(folder / "book.xls") << "content";
     ComPtr<IBindCtx> context;
@@ -80,7 +82,7 @@ TEST(SystemGaps, ItemsOfFilesHaveNoMonikers) {
     } else { // the application that is registered for the file has a say
         EXPECT_NE(parsed, E_NOTIMPL);
     }
-    std::filesystem::remove_all(folder);
+    remove_folder(folder);
 }
 
 } // namespace
