@@ -57,6 +57,15 @@ std::int32_t guarded(Call call) {
     }
 }
 
+// Null when there was no memory to make it: nothing was ever loaded then.
+PluginState* state_if_made() noexcept {
+    try {
+        return &state();
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
 } // namespace
 
 } // namespace ppt
@@ -84,7 +93,9 @@ std::int32_t PPT_CALL j_initDLL(std::int32_t ceiling, std::int32_t, const char* 
 
 std::int32_t PPT_CALL j_termDLL(std::int32_t, std::int32_t) {
     CoUninitialize();
-    state().options.clear();
+    if (PluginState* plugin = state_if_made()) {
+        plugin->options.clear();
+    }
     return status::kSuccess;
 }
 
@@ -97,7 +108,9 @@ std::int32_t PPT_CALL j_loadFile(const char* path, std::int32_t flags) {
 }
 
 std::int32_t PPT_CALL j_unLoadFile() {
-    v_unload();
+    if (state_if_made() != nullptr) {
+        v_unload();
+    }
     return status::kSuccess;
 }
 
@@ -106,15 +119,18 @@ std::int32_t PPT_CALL j_rewriteFile(char* path, std::int32_t flags) {
 }
 
 std::int32_t PPT_CALL n_getLinkCount() {
-    return static_cast<std::int32_t>(state().links.links().size());
+    const PluginState* plugin = state_if_made();
+    return plugin == nullptr ? 0 : static_cast<std::int32_t>(plugin->links.links().size());
 }
 
 std::int32_t PPT_CALL j_getLinkFileName(std::int32_t index, std::int32_t, char* buffer) {
     if (buffer == nullptr) {
         return status::kNullArgument;
     }
-    const LinkRecord* link = find_link(index);
-    return link == nullptr ? status::kIndexOutOfRange : copy_text(link->file_name, buffer);
+    return guarded([&]() -> std::int32_t {
+        const LinkRecord* link = find_link(index);
+        return link == nullptr ? status::kIndexOutOfRange : copy_text(link->file_name, buffer);
+    });
 }
 
 std::int32_t PPT_CALL j_setLinkFileName(std::int32_t index, const char* name, std::int32_t) {
@@ -143,25 +159,29 @@ std::int32_t PPT_CALL j_getLinkId(std::int32_t index, std::int32_t, id64* id) {
     if (id == nullptr) {
         return status::kNullArgument;
     }
-    const LinkRecord* link = find_link(index);
-    if (link == nullptr) {
-        return status::kIndexOutOfRange;
-    }
-    v_id64Move(id, &link->link_id);
-    return status::kSuccess;
+    return guarded([&]() -> std::int32_t {
+        const LinkRecord* link = find_link(index);
+        if (link == nullptr) {
+            return status::kIndexOutOfRange;
+        }
+        v_id64Move(id, &link->link_id);
+        return status::kSuccess;
+    });
 }
 
 std::int32_t PPT_CALL j_setLinkId(std::int32_t index, std::int32_t, const id64* id) {
     if (id == nullptr) {
         return status::kNullArgument;
     }
-    LinkRecord* link = find_link(index);
-    if (link == nullptr) {
-        return status::kIndexOutOfRange;
-    }
-    v_id64Move(&link->link_id, id);
-    link->add_change(kLinkIdChanged);
-    return status::kSuccess;
+    return guarded([&]() -> std::int32_t {
+        LinkRecord* link = find_link(index);
+        if (link == nullptr) {
+            return status::kIndexOutOfRange;
+        }
+        v_id64Move(&link->link_id, id);
+        link->add_change(kLinkIdChanged);
+        return status::kSuccess;
+    });
 }
 
 std::int32_t PPT_CALL j_getHyperlinkText(std::int32_t index, char* buffer) {
@@ -180,17 +200,21 @@ std::int32_t PPT_CALL j_getTargetFileId(std::int32_t, id64* id) {
     if (id == nullptr) {
         return status::kNullArgument;
     }
-    v_id64Move(id, &state().target_file_id);
-    return status::kSuccess;
+    return guarded([&] {
+        v_id64Move(id, &state().target_file_id);
+        return status::kSuccess;
+    });
 }
 
 std::int32_t PPT_CALL j_setTargetFileId(std::int32_t, const id64* id) {
     if (id == nullptr) {
         return status::kNullArgument;
     }
-    v_id64Move(&state().target_file_id, id);
-    state().target_file_id_set = true;
-    return status::kSuccess;
+    return guarded([&] {
+        v_id64Move(&state().target_file_id, id);
+        state().target_file_id_set = true;
+        return status::kSuccess;
+    });
 }
 
 std::int32_t PPT_CALL j_accessTargetFile(const char* pc_targetFile, const char* pc_masterFile,

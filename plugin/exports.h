@@ -7,7 +7,8 @@
 // Strings are in the ANSI code page and end with a zero byte; buffers belong to the caller. Results
 // named "status" are the codes of plugin/status.h: 0 is success; on failure the error parameters
 // explain it. A null pointer gives 8300, a text of 1024 bytes or more 7140, a link index out of
-// range 8250 with the index and the number of links. No exception leaves a function.
+// range 8250 with the index and the number of links, memory that ran out 8800. No exception leaves
+// a function.
 #pragma once
 
 #include "hostapi/hostapi.h"
@@ -47,7 +48,7 @@ PPT_EXPORT void PPT_CALL v_setNewMode();
 // document stream.
 PPT_EXPORT std::int32_t PPT_CALL j_loadFile(const char* path, std::int32_t flags);
 
-// Forgets the loaded presentation. Always 0.
+// Forgets the loaded presentation. Always 0; needs no memory.
 PPT_EXPORT std::int32_t PPT_CALL j_unLoadFile();
 
 // Copies the loaded file to `path`, replacing what is there, and rewrites in the copy, by the bits

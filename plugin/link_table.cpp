@@ -7,6 +7,7 @@
 #include "reader/record_types.h"
 
 #include <algorithm>
+#include <type_traits>
 #include <utility>
 
 namespace ppt {
@@ -18,6 +19,13 @@ constexpr std::uint64_t kSmallestLink = 12;
 
 std::uint64_t type_and_id(const LinkRecord& object) {
     return std::uint64_t{object.record_type} << 32 | object.external_object_id;
+}
+
+// Empties a container and frees its room too.
+template <class Container>
+void give_back(Container& container) noexcept {
+    static_assert(std::is_nothrow_default_constructible_v<Container>);
+    Container().swap(container);
 }
 
 } // namespace
@@ -73,8 +81,21 @@ void LinkTable::forget_indexes() {
     }
 }
 
-void LinkTable::clear() {
-    *this = LinkTable();
+void LinkTable::clear() noexcept {
+    // Not `*this = LinkTable()`: a new deque allocates.
+    links_.clear();
+    external_objects_.clear();
+    give_back(paths_);
+    give_back(object_by_id_);
+    give_back(later_object_);
+    for (Index* index : {&by_holder_, &by_object_ordinal_, &hyperlinks_by_ordinal_}) {
+        give_back(index->order);
+        index->is_built = false;
+    }
+    most_links_ = kMostLinks;
+    most_text_ = kNoTextLimit;
+    text_ = 0;
+    document_persist_id_ = 0;
 }
 
 LinkPath LinkTable::shared_path(const std::string& path) {

@@ -45,7 +45,7 @@ class LinkTable {
     void append_external_object(const LinkRecord& record);
     // Removes the links that were appended since the table had `count` of them.
     void cut_links(std::size_t count);
-    void clear();
+    void clear() noexcept;
 
     // The path as a text that is kept once, however often it is asked for.
     LinkPath shared_path(const std::string& path);
@@ -67,6 +67,8 @@ class LinkTable {
     Indexes uses_of_hyperlink(std::int32_t hyperlink_ordinal);
 
   private:
+    static constexpr std::uint64_t kNoTextLimit = std::numeric_limits<std::uint64_t>::max();
+
     // Positions sorted by a field of their links, those of equal fields ascending.
     struct Index {
         std::vector<std::uint32_t> order;
@@ -80,7 +82,7 @@ class LinkTable {
 
     std::deque<LinkRecord> links_;
     std::size_t most_links_ = kMostLinks;
-    std::uint64_t most_text_ = std::numeric_limits<std::uint64_t>::max(); // in bytes
+    std::uint64_t most_text_ = kNoTextLimit; // in bytes
     std::uint64_t text_ = 0;
     std::deque<LinkRecord> external_objects_;
     std::uint32_t document_persist_id_ = 0;

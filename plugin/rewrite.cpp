@@ -126,14 +126,18 @@ std::int32_t rewrite_file(char* path, std::int32_t flags) {
     if (status != status::kSuccess) {
         return status;
     }
-    status = status_of([&] { return rewrite_copy(std::move(root), flags); },
-                       [path] {
-                           v_setErrorParamText(path);
-                           return status::kWriteFault;
-                       });
-    if (status == status::kSuccess && state().has_option('w')) {
-        tell_not_written(state().links_not_written);
-    }
+    status = status_of(
+        [&] {
+            require_success(rewrite_copy(std::move(root), flags));
+            if (state().has_option('w')) {
+                tell_not_written(state().links_not_written);
+            }
+            return status::kSuccess;
+        },
+        [path] {
+            v_setErrorParamText(path);
+            return status::kWriteFault;
+        });
     v_unload();
     v_logLine("File has been rewritten, j_status=", std::to_string(status));
     return status;

@@ -9,7 +9,7 @@ PluginState& state() {
     return instance;
 }
 
-void v_unload() {
+void v_unload() noexcept {
     PluginState& plugin = state();
     set_document_path("");
     v_id64Set(&plugin.target_file_id, 1);

@@ -48,9 +48,10 @@ struct PluginState {
     bool keeps_going() const { return has_option('k'); }
 };
 
+// Throws std::bad_alloc when the first call of the process finds no memory for it.
 PluginState& state();
 
-// Forgets the loaded presentation with all that was learnt of it.
-void v_unload();
+// Forgets the loaded presentation with all that was learnt of it. The state was asked for before.
+void v_unload() noexcept;
 
 } // namespace ppt

@@ -7,6 +7,11 @@
 #include "tests/plugin/plugin_fixture.h"
 #include "tests/plugin/stored_file.h"
 
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
 namespace fault {
 namespace {
 
@@ -70,10 +75,9 @@ TEST_P(AllocationFailure, LoadingEndsWithAStatusAndGivesEverythingBack) {
             EXPECT_TRUE(tells_of_memory(status)) << status;
             EXPECT_EQ(n_getLinkCount(), 0);
         }
-        ASSERT_EQ(blocks_at_rest(), at_rest);
         ASSERT_EQ(j_loadFile(deck.c_str(), 3), 0);
         ASSERT_EQ(loaded_links(), links_);
-        j_unLoadFile();
+        ASSERT_EQ(blocks_at_rest(), at_rest);
     }
     EXPECT_GT(failures, 300U);
 }
@@ -106,9 +110,22 @@ TEST_P(AllocationFailure, RewritingEndsWithAStatusAndGivesEverythingBack) {
             ++failures;
             EXPECT_TRUE(tells_of_memory(status)) << status;
         }
+        ASSERT_EQ(j_loadFile(deck.c_str(), 3), 0);
+        ASSERT_EQ(loaded_links(), links_);
         ASSERT_EQ(blocks_at_rest(), at_rest);
     }
     EXPECT_GT(failures, 1000U);
+}
+
+TEST_P(AllocationFailure, UnloadingNeedsNoMemory) {
+    ASSERT_EQ(load_again("deck.ppt"), 0);
+    change_all_links("new");
+    {
+        const FailingAllocation failing(0);
+        EXPECT_EQ(j_unLoadFile(), 0);
+        EXPECT_FALSE(failing.happened());
+    }
+    EXPECT_EQ(n_getLinkCount(), 0);
 }
 
 TEST_P(AllocationFailure, ALinkThatCannotTakeItsNewPathKeepsTheOldOne) {
@@ -129,6 +146,33 @@ TEST_P(AllocationFailure, ALinkThatCannotTakeItsNewPathKeepsTheOldOne) {
         EXPECT_EQ(link(0).path_changed(), !happened);
     }
     EXPECT_GT(number, 2U);
+}
+
+// In a process of its own, where no call came before.
+TEST(FirstCallDeathTest, NoExportThrowsWhenThereIsNoMemoryForTheState) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto every_status = [] {
+        char text[1024] = "";
+        id64 id{};
+        const auto without_memory = [](auto call) {
+            const FailingAllocation failing(0);
+            return call();
+        };
+        return std::vector<std::int32_t>{
+            without_memory([] { return n_getLinkCount(); }),
+            without_memory([] { return j_unLoadFile(); }),
+            without_memory([] { return j_termDLL(0, 0); }),
+            without_memory([] { return j_initDLL(255, 0, "het"); }),
+            without_memory([&] { return j_getLinkFileName(0, 0, text); }),
+            without_memory([&] { return j_getLinkId(0, 0, &id); }),
+            without_memory([&] { return j_setLinkId(0, 0, &id); }),
+            without_memory([&] { return j_getHyperlinkText(0, text); }),
+            without_memory([&] { return j_getTargetFileId(0, &id); }),
+            without_memory([&] { return j_setTargetFileId(0, &id); }),
+        };
+    };
+    const std::vector<std::int32_t> expected{0, 0, 0, 8800, 8800, 8800, 8800, 8800, 8800, 8800};
+    EXPECT_EXIT(std::_Exit(every_status() == expected ? 0 : 1), testing::ExitedWithCode(0), "");
 }
 
 } // namespace
