@@ -1,8 +1,8 @@
 #include "rewriter/document_rewriter.h"
 
 #include "plugin/link_table.h"
-#include "plugin/state.h"
 #include "plugin/status.h"
+#include "reader/keep_going.h"
 
 namespace ppt {
 
@@ -95,8 +95,8 @@ std::int32_t rewrite_object(PptRecord& object, const LinkRecord& link, RewriteCo
 PptRecord* next_object(RewriteCopy& copy, PptRecord& list) {
     try {
         return list.ps_nextChild();
-    } catch (int) {
-        if (!state().keeps_going()) {
+    } catch (int failure) {
+        if (!b_mayLeaveOut(failure)) {
             throw;
         }
     }

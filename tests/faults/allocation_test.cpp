@@ -17,12 +17,19 @@ namespace {
 
 using namespace ppt;
 
-class AllocationFailure : public plugin_test::PluginTest, public testing::WithParamInterface<Ids> {
+struct Case {
+    const char* name;
+    Ids ids;
+    const char* options;
+};
+
+class AllocationFailure : public plugin_test::PluginTest, public testing::WithParamInterface<Case> {
   protected:
     void SetUp() override {
         PluginTest::SetUp();
+        start(GetParam().options);
         platform::trust_link_targets(true);
-        every_kind_of_link(GetParam()).write(path("deck.ppt"));
+        every_kind_of_link(GetParam().ids).write(path("deck.ppt"));
         ASSERT_EQ(load_again("deck.ppt"), 0);
         links_ = loaded_links();
         j_unLoadFile();
@@ -50,10 +57,12 @@ class AllocationFailure : public plugin_test::PluginTest, public testing::WithPa
     std::string links_;
 };
 
-INSTANTIATE_TEST_SUITE_P(BothPlaces, AllocationFailure,
-                         testing::Values(Ids::as_properties, Ids::on_pages), [](const auto& ids) {
-                             return ids.param == Ids::on_pages ? "IdsOnPages" : "IdsAsProperties";
-                         });
+// Keeping going in spite of what cannot be read is no going on without memory.
+INSTANTIATE_TEST_SUITE_P(AllCases, AllocationFailure,
+                         testing::Values(Case{"IdsAsProperties", Ids::as_properties, "het"},
+                                         Case{"IdsOnPages", Ids::on_pages, "het"},
+                                         Case{"KeepingGoing", Ids::on_pages, "hetk"}),
+                         [](const auto& found) { return found.param.name; });
 
 TEST_P(AllocationFailure, LoadingEndsWithAStatusAndGivesEverythingBack) {
     const std::string deck = path("deck.ppt");
