@@ -4,6 +4,8 @@
 #include "plugin/checked_allocation.h"
 #include "plugin/document_path.h"
 #include "plugin/error_params.h"
+#include "plugin/failure.h"
+#include "plugin/state.h"
 #include "plugin/status.h"
 #include "reader/presentation.h"
 
@@ -174,6 +176,18 @@ MemoryBlock object_storage(const PptRecord& storage_record) {
     MemoryBlock block(storage_record.body.size());
     std::ranges::copy(storage_record.body, LockedBytes(block).get().begin());
     return block;
+}
+
+ComPtr<IStorage> open_object_storage(const MemoryBlock& block, bool read_only) {
+    ComPtr<IStorage> storage;
+    HRESULT result = S_OK;
+    const std::int32_t status =
+        j_openStorageOnMemory(block.handle(), read_only, storage.put(), nullptr, &result);
+    if (state().keeps_going()) {
+        require_memory_of(result);
+    }
+    require_success(status);
+    return storage;
 }
 
 } // namespace ppt

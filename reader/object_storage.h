@@ -1,5 +1,5 @@
 // The storage of an OLE object out of its record ([MS-PPT] ExOleObjStg), in a movable global memory
-// block, ready for j_openStorageOnMemory. Failures are thrown as `int` status codes.
+// block. Failures are thrown as `int` status codes.
 #pragma once
 
 #include "platform/platform.h"
@@ -62,5 +62,9 @@ inline constexpr std::size_t kUnpackedPerByte = 4;
 
 // A block with the storage of a record of either form. Throws what v_inflateObjectStorage throws.
 MemoryBlock object_storage(const PptRecord& storage_record);
+
+// Opens the storage in the block, which must outlive it. 5700 when it cannot be opened; with the
+// letter "k", which takes that for damage of the object, 9000 when memory ran out.
+ComPtr<IStorage> open_object_storage(const MemoryBlock& block, bool read_only);
 
 } // namespace ppt

@@ -1,7 +1,6 @@
 #include "reader/ole_objects.h"
 
 #include "common_new/SafeFunc/paths.h"
-#include "common_new/common/storage.h"
 #include "plugin/document_path.h"
 #include "plugin/failure.h"
 #include "plugin/state.h"
@@ -26,11 +25,7 @@ constexpr std::uint32_t kLinkedObject = 1;
 // As the host sees it: absolute, unless the source has no name at all.
 std::string link_path(const PptRecord& storage_record) {
     const MemoryBlock block = object_storage(storage_record);
-    ComPtr<IStorage> storage;
-    const std::int32_t status = j_openStorageOnMemory(block.handle(), true, storage.put());
-    if (status != status::kSuccess) {
-        throw static_cast<int>(status);
-    }
+    const ComPtr<IStorage> storage = open_object_storage(block, true);
     std::string path;
     const bool is_relative = n_getOleLinkPath(storage.get(), &path) == 1;
     if (is_relative) {

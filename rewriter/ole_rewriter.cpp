@@ -115,11 +115,7 @@ std::optional<bytes::Bytes> retargeted_body(PptRecord& record, const LinkRecord&
     const MemoryBlock block = object_storage(record);
     record.body = {};
     const WidePath path = wide_from_ansi(link.file_name);
-    ComPtr<IStorage> storage;
-    const std::int32_t status = j_openStorageOnMemory(block.handle(), false, storage.put());
-    if (status != status::kSuccess) {
-        throw static_cast<int>(status);
-    }
+    const ComPtr<IStorage> storage = open_object_storage(block, false);
     try {
         if (retarget(storage.get(), path, link.file_name)) {
             return storage_body(record, block);

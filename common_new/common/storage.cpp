@@ -278,13 +278,13 @@ std::int32_t j_copyStream(IStream* source, IStream* destination, std::int32_t co
 }
 
 std::int32_t j_openStorageOnMemory(HGLOBAL memory, bool read_only, IStorage** storage,
-                                   ILockBytes** lock_bytes) {
-    HRESULT result = S_OK;
+                                   ILockBytes** lock_bytes, HRESULT* result) {
+    HRESULT opened = S_OK;
     try {
         ComPtr<ILockBytes> bytes;
-        result = CreateILockBytesOnHGlobal(memory, FALSE, bytes.put());
-        if (result == S_OK) {
-            result = StgOpenStorageOnILockBytes(
+        opened = CreateILockBytesOnHGlobal(memory, FALSE, bytes.put());
+        if (opened == S_OK) {
+            opened = StgOpenStorageOnILockBytes(
                 bytes.get(), nullptr, read_only ? kReadMode : kWriteMode, nullptr, 0, storage);
         }
         if (lock_bytes != nullptr && bytes) {
@@ -293,7 +293,10 @@ std::int32_t j_openStorageOnMemory(HGLOBAL memory, bool read_only, IStorage** st
     } catch (...) {
         return status::kSystemError;
     }
-    if (result == S_OK) {
+    if (result != nullptr) {
+        *result = opened;
+    }
+    if (opened == S_OK) {
         return status::kSuccess;
     }
     v_setErrorParamNumbers(clamp_count(GlobalSize(memory)), n_getAvailablePhysicalMemory());

@@ -49,9 +49,11 @@ std::int32_t j_seekStream(const char* name, IStream* stream, std::int32_t offset
 std::int32_t j_copyStream(IStream* source, IStream* destination, std::int32_t count);
 
 // A storage over a movable memory block, which stays the caller's. `lock_bytes` (may be null) gets
-// the byte array behind it, even when only the storage could not be opened. Failures are 5700.
+// the byte array behind it, even when only the storage could not be opened. Failures are 5700,
+// memory that ran out among them; `result` (may be null) gets the COM result, which tells it from
+// the others.
 std::int32_t j_openStorageOnMemory(HGLOBAL memory, bool read_only, IStorage** storage,
-                                   ILockBytes** lock_bytes = nullptr);
+                                   ILockBytes** lock_bytes = nullptr, HRESULT* result = nullptr);
 
 // In bytes, at most 2^31 - 1; for error parameters only.
 std::int32_t n_getAvailablePhysicalMemory();
