@@ -58,6 +58,8 @@ class PptRecord {
     std::uint8_t u8_at(std::size_t offset) const;
 
     bool is(RecordType type) const { return header.type == type; }
+    // Whether it can be taken apart as one: an atom may have any type.
+    bool is_container(RecordType type) const { return is(type) && header.is_container(); }
 
     RecordHeader header;
     bytes::Bytes body;          // of an atom

@@ -108,7 +108,7 @@ class BoxRewrite {
 } // namespace
 
 std::int32_t n_rewriteClientText(PptRecord& text_box, const LinkRecord& link, RewriteCopy& copy) {
-    const std::uint32_t header_position = n_openContainer(copy);
+    const std::uint32_t header_position = n_openContainer(copy, text_box);
     BoxRewrite rewrite(copy, text_box, link, count_texts(text_box));
     copy.loaded.v_seekDocument(text_box.position);
     PptRecord again(text_box.owner);

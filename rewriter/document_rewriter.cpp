@@ -13,7 +13,7 @@ constexpr std::uint16_t kTargetInstance = 1;
 // Friendly name (instance 0) and target (instance 1) both become the new path; a location keeps its
 // text. A container without a target gets one behind its last child.
 std::int32_t n_rewriteHyperlink(PptRecord& container, const LinkRecord& link, RewriteCopy& copy) {
-    const std::uint32_t header_position = n_openContainer(copy);
+    const std::uint32_t header_position = n_openContainer(copy, container);
     std::int32_t sum = 0;
     bool has_target = false;
     while (PptRecord* child = container.ps_nextChild()) {
@@ -38,7 +38,7 @@ std::int32_t n_rewriteHyperlink(PptRecord& container, const LinkRecord& link, Re
 // The path is the second child, behind the media atom.
 std::int32_t n_rewriteMediaContainer(PptRecord& container, const LinkRecord& link,
                                      RewriteCopy& copy) {
-    const std::uint32_t header_position = n_openContainer(copy);
+    const std::uint32_t header_position = n_openContainer(copy, container);
     v_writeRecord(copy, required_child(container));
     const std::int32_t change = n_replaceString(required_child(container), link.file_name, copy);
     while (PptRecord* child = container.ps_nextChild()) {
@@ -49,7 +49,7 @@ std::int32_t n_rewriteMediaContainer(PptRecord& container, const LinkRecord& lin
 }
 
 std::int32_t rewrite_movie(PptRecord& movie, const LinkRecord& link, RewriteCopy& copy) {
-    const std::uint32_t header_position = n_openContainer(copy);
+    const std::uint32_t header_position = n_openContainer(copy, movie);
     const std::int32_t change = n_rewriteMediaContainer(required_child(movie), link, copy);
     while (PptRecord* child = movie.ps_nextChild()) {
         v_writeRecord(copy, *child);
@@ -59,7 +59,7 @@ std::int32_t rewrite_movie(PptRecord& movie, const LinkRecord& link, RewriteCopy
 }
 
 std::int32_t rewrite_video_list(PptRecord& list, const LinkRecord& link, RewriteCopy& copy) {
-    const std::uint32_t header_position = n_openContainer(copy);
+    const std::uint32_t header_position = n_openContainer(copy, list);
     std::int32_t sum = 0;
     while (PptRecord* child = list.ps_nextChild()) {
         if (child->is(RT_ExternalVideo)) {
@@ -107,7 +107,7 @@ PptRecord* next_object(RewriteCopy& copy, PptRecord& list) {
 }
 
 std::int32_t n_rewriteExObjList(RewriteCopy& copy, PptRecord& list) {
-    const std::uint32_t header_position = n_openContainer(copy);
+    const std::uint32_t header_position = n_openContainer(copy, list);
     std::int32_t sum = 0;
     std::int32_t ordinal = 0;
     while (PptRecord* object = next_object(copy, list)) {
@@ -131,9 +131,9 @@ std::int32_t n_rewriteDocument(RewriteCopy& copy, std::uint32_t old_offset) {
     if (!document.is(RT_Document)) {
         throw static_cast<int>(status::kDamaged);
     }
-    const std::uint32_t header_position = n_openContainer(copy);
+    const std::uint32_t header_position = n_openContainer(copy, document);
     PptRecord* child = &required_child(document);
-    while (!child->is(RT_ExternalObjectList) && !child->is(RT_EndDocumentAtom)) {
+    while (!child->is_container(RT_ExternalObjectList) && !child->is(RT_EndDocumentAtom)) {
         v_writeRecord(copy, *child);
         child = &required_child(document);
     }

@@ -21,7 +21,7 @@ std::int32_t n_dropLegacyTags(PptRecord& tags, RewriteCopy& copy) {
 } // namespace
 
 std::int32_t n_rewriteTags(PptRecord& tags, RewriteCopy& copy) {
-    const std::uint32_t header_position = n_openContainer(copy);
+    const std::uint32_t header_position = n_openContainer(copy, tags);
     const std::int32_t change = n_dropLegacyTags(tags, copy);
     const bool nothing_left = std::int64_t{tags.header.length} + change == 0;
     if (nothing_left) {

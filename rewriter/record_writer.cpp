@@ -21,7 +21,10 @@ void v_writeRecord(RewriteCopy& copy, const PptRecord& record) {
     copy.v_notePositions();
 }
 
-std::uint32_t n_openContainer(RewriteCopy& copy) {
+std::uint32_t n_openContainer(RewriteCopy& copy, const PptRecord& container) {
+    if (!container.header.is_container()) {
+        throw static_cast<int>(status::kDamaged);
+    }
     const std::uint32_t header_position = copy.writer.tell();
     copy.writer.write(RecordHeaderBytes{});
     copy.v_notePositions();

@@ -19,8 +19,9 @@ namespace ppt {
 void v_writeRecord(RewriteCopy& copy, const PptRecord& record);
 
 // Makes room for the header of a container that has just been read and returns the position of the
-// room in the copy. The header is written last, by v_fixRecordLength.
-std::uint32_t n_openContainer(RewriteCopy& copy);
+// room in the copy. The header is written last, by v_fixRecordLength. 8140 for an atom, whatever
+// its type: its body would be lost.
+std::uint32_t n_openContainer(RewriteCopy& copy, const PptRecord& container);
 
 // Writes the record's header, its length grown by the size change, at its position in the copy. The
 // copy's position stays. 8140 when the length would leave its range.

@@ -49,7 +49,8 @@ std::int32_t SlideRewrite::rewrite_child(PptRecord& child) {
     if (drops_ids && child.is(RT_CString)) {
         return cut_link_id(child);
     }
-    if (drops_ids && child.is(RT_ProgTags) && child.header.length >= kShortestTagContainer) {
+    if (drops_ids && child.is_container(RT_ProgTags) &&
+        child.header.length >= kShortestTagContainer) {
         return n_rewriteTags(child, copy_);
     }
     v_writeRecord(copy_, child);
@@ -57,7 +58,7 @@ std::int32_t SlideRewrite::rewrite_child(PptRecord& child) {
 }
 
 std::int32_t SlideRewrite::rewrite_drawing(PptRecord& drawing) {
-    const std::uint32_t header_position = n_openContainer(copy_);
+    const std::uint32_t header_position = n_openContainer(copy_, drawing);
     const std::int32_t change =
         rewrite_drawing_container(required_child(drawing, OfficeArtDgContainer));
     while (PptRecord* child = drawing.ps_nextChild()) {
@@ -73,7 +74,7 @@ std::int32_t SlideRewrite::rewrite_drawing_container(PptRecord& container) {
         v_writeRecord(copy_, container);
         return 0;
     }
-    const std::uint32_t header_position = n_openContainer(copy_);
+    const std::uint32_t header_position = n_openContainer(copy_, container);
     v_writeRecord(copy_, shape_count);
     const std::int32_t change = n_rewriteShapeGroup(container);
     v_fixRecordLength(copy_, container, header_position, change);
@@ -98,7 +99,7 @@ std::int32_t SlideRewrite::rewrite_group(PptRecord& group) {
     if (depth_ == kDeepestGroup) {
         throw static_cast<int>(status::kDamaged);
     }
-    const std::uint32_t header_position = n_openContainer(copy_);
+    const std::uint32_t header_position = n_openContainer(copy_, group);
     ++depth_;
     const std::int32_t change = n_rewriteShapeGroup(group);
     --depth_;
@@ -107,7 +108,7 @@ std::int32_t SlideRewrite::rewrite_group(PptRecord& group) {
 }
 
 std::int32_t SlideRewrite::rewrite_shape(PptRecord& shape) {
-    const std::uint32_t header_position = n_openContainer(copy_);
+    const std::uint32_t header_position = n_openContainer(copy_, shape);
     const std::int32_t change = n_rewriteShape(shape, *link_, copy_);
     v_fixRecordLength(copy_, shape, header_position, change);
     pass_links_of(shape);
@@ -140,7 +141,7 @@ std::int32_t n_rewriteSlideObject(RewriteCopy& copy, std::uint32_t old_offset,
     if (!object.header.is_container()) {
         return 0;
     }
-    const std::uint32_t header_position = n_openContainer(copy);
+    const std::uint32_t header_position = n_openContainer(copy, object);
     SlideRewrite rewrite(copy, link, flags);
     std::int32_t sum = 0;
     while (PptRecord* child = object.ps_nextChild()) {

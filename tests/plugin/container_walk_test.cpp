@@ -1,7 +1,7 @@
-// Containers whose children do not fit, and containers where the format has atoms: the walk and the
-// rewriting read the same records, or the file is refused.
+// Containers whose children do not fit, containers where the format has atoms and atoms where it
+// has containers: the walk and the rewriting read the same records, or the file is refused.
 #include "plugin/status.h"
-#include "tests/plugin/plugin_fixture.h"
+#include "tests/rewriter/relink_fixture.h"
 
 namespace {
 
@@ -10,7 +10,7 @@ using namespace presentation_builder;
 using presentation_builder::Page;
 using Paths = std::vector<std::string>;
 
-class ContainerWalk : public plugin_test::PluginTest {
+class ContainerWalk : public rewriter_test::RelinkTest {
   protected:
     // The status of loading the deck with another length in the record at `offset`.
     std::int32_t status_with_length(Deck& deck, std::size_t offset, std::uint32_t length) {
@@ -62,6 +62,23 @@ TEST_F(ContainerWalk, AContainerInTheNameOfAnAtomIsPassedOverWhole) {
     ASSERT_EQ(rewrite("out.ppt"), 0);
     ASSERT_EQ(load_again("out.ppt"), 0);
     EXPECT_EQ(link_paths(), (Paths{"C:\\before.doc", "C:\\changed.doc"}));
+}
+
+TEST_F(ContainerWalk, AnAtomInTheNameOfAContainerIsWrittenWhole) {
+    const auto deck = [](const char16_t* target, bool with_id) {
+        Deck made;
+        made.document_record(atom(0, 0x0409, Bytes(60, 7)))
+            .document_record(external_object_list(1, external_hyperlink(1, {.target = target})));
+        Page& slide = made.add_slide();
+        slide.shape(Shape().link(1)).record(atom(0, 0x1388, Bytes(60, 7)));
+        if (with_id) {
+            slide.tag(u"OBRIN-LINK-NUM=10", u"11");
+        }
+        return made;
+    };
+    Deck before = deck(u"C:\\a.doc", true);
+    Deck after = deck(u"C:\\changed.doc", false);
+    expect_relinked(before, {{0, u"C:\\changed.doc"}}, after);
 }
 
 } // namespace
