@@ -16,6 +16,7 @@ namespace ppt {
 
 enum class UnreadKind {
     slide, // a page or what the slide list says of it; the number counts pages of its kind from 1
+           // and is 0 for what the list says of none
     master,
     notes,
     hyperlink, // in the external object list; the number counts all its objects from 1

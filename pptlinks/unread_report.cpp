@@ -21,7 +21,8 @@ std::string name_of(const UnreadObject& object) {
     }
     const std::string number = std::to_string(object.number);
     if (is_page(object.kind)) {
-        return object.kind + ' ' + number;
+        return object.number == 0 ? "a part of the " + object.kind + " list"
+                                  : object.kind + ' ' + number;
     }
     return "external object " + number + (object.kind == "object" ? "" : " (" + object.kind + ')');
 }

@@ -28,9 +28,10 @@ constexpr std::uint16_t kNotesInstance = static_cast<std::uint16_t>(PageKind::no
 // without an object, which lead to what stands at offset 0.
 constexpr std::uint64_t kMostPasses = 16;
 
-UnreadKind kind_of(const Page& page) {
+// By the instance of the page's slide list.
+UnreadKind kind_in(std::uint16_t list) {
     constexpr UnreadKind kKinds[] = {UnreadKind::slide, UnreadKind::master, UnreadKind::notes};
-    return kKinds[static_cast<std::size_t>(page.kind)];
+    return list <= kNotesInstance ? kKinds[list] : UnreadKind::slide;
 }
 
 class DocumentWalk {
@@ -63,8 +64,12 @@ class DocumentWalk {
     void walk_slide_list(PptRecord& list);
     void read_list_child(PptRecord& list, PptRecord& child);
     void begin_page(std::uint16_t instance);
+    // Of the last page begun in the list; 0 before its first.
+    std::int32_t page_number_in(std::uint16_t list) const {
+        return list <= kNotesInstance ? pages_of_kind_[list] : 0;
+    }
     Mark mark() const;
-    void leave_out(const Mark& mark, std::int32_t status);
+    void leave_out(const Mark& mark, const UnreadObject& object);
     void v_walkSlide(std::uint16_t instance, const PptRecord& atom);
     void seek_page(std::uint32_t persist_id);
     void require_few_passes() const;
@@ -121,8 +126,9 @@ void DocumentWalk::walk_slide_list(PptRecord& list) {
     const auto read = [&](PptRecord& child) { read_list_child(list, child); };
     for (bool goes_on = wanted; goes_on;) {
         const Mark before = mark();
-        const auto left_out = [&](const PptRecord*, std::int32_t status) {
-            leave_out(before, status);
+        page_offset_.reset();
+        const auto left_out = [&](const PptRecord* child, std::int32_t status) {
+            leave_out(before, {status, kind_in(instance), child ? page_number_in(instance) : 0});
         };
         goes_on = b_readNextChild(list, read, left_out) && (links_wanted_ || !first_slide_walked_);
     }
@@ -134,7 +140,6 @@ void DocumentWalk::walk_slide_list(PptRecord& list) {
 
 void DocumentWalk::read_list_child(PptRecord& list, PptRecord& child) {
     const std::uint16_t instance = list.header.instance();
-    page_offset_.reset();
     if (child.is(RT_SlidePersistAtom)) {
         begin_page(instance);
         v_walkSlide(instance, child);
@@ -164,17 +169,16 @@ DocumentWalk::Mark DocumentWalk::mark() const {
 }
 
 // The page keeps its number; nothing of it is in the tables, and the rewrite leaves it as it is.
-void DocumentWalk::leave_out(const Mark& mark, std::int32_t status) {
+void DocumentWalk::leave_out(const Mark& mark, const UnreadObject& object) {
     require_few_passes();
     PluginState& plugin = state();
     plugin.links.cut_links(mark.links);
     tags_.resize(mark.tags);
     plugin.target_file_id = mark.target_file_id;
     plugin.ids_in_document = mark.ids_in_document;
-    const Page page = presentation_.pages.empty() ? Page() : presentation_.pages.back();
-    plugin.unread.add({status, kind_of(page), page.number});
+    plugin.unread.add(object);
     if (page_offset_) {
-        presentation_.unread_objects.insert(*page_offset_);
+        presentation_.unread_pages.insert(*page_offset_);
     }
 }
 

@@ -67,7 +67,7 @@ const LinkPath& OleObjects::path_at(std::uint32_t offset, PptPresentation& prese
             return status::kSuccess;
         });
         if (source.status != status::kSuccess) {
-            presentation.unread_objects.insert(offset);
+            presentation.unread_storages.insert(offset);
         }
     }
     require_success(source.status);

@@ -91,8 +91,11 @@ class PptPresentation {
     // Filled by the link walk.
     std::array<std::int32_t, 3> slide_list_indexes{}; // by list instance: last running index
     std::uint32_t tag_slide_persist_id = 0;
-    std::vector<Page> pages;                          // index: running slide index
-    std::unordered_set<std::uint32_t> unread_objects; // offsets of pages and storages left out
+    std::vector<Page> pages; // index: running slide index
+    // Offsets of what was left out. An offset that is named as a storage may be that of a good
+    // page.
+    std::unordered_set<std::uint32_t> unread_pages;
+    std::unordered_set<std::uint32_t> unread_storages;
 
   private:
     void read_current_user();

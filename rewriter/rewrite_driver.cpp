@@ -39,7 +39,7 @@ std::int32_t n_rewritePersistObject(RewriteCopy& copy, std::uint32_t id, std::ui
     if (link != nullptr && !link->path_changed()) {
         link = ps_nextLinkOfHolder(id, true, link);
     }
-    const bool left_out = copy.loaded.unread_objects.contains(old_offset);
+    const bool left_out = copy.loaded.unread_pages.contains(old_offset);
     const bool changes = !left_out && (link != nullptr || drops_ids);
     return changes ? n_rewriteSlideObject(copy, old_offset, link, flags) : 0;
 }
@@ -114,8 +114,10 @@ std::uint32_t holder_among(const std::vector<std::uint32_t>& ids, std::uint32_t 
 // An entry of the persist directory that leads nowhere, or that the load could not read anything by
 // and leads into a rewritten object, stays as it is with the letter "k".
 bool leads_nowhere(const RewriteCopy& copy, std::uint32_t offset) {
+    const PptPresentation& loaded = copy.loaded;
     const bool is_unread_part =
-        offset < copy.loaded_position && copy.loaded.unread_objects.contains(offset);
+        offset < copy.loaded_position &&
+        (loaded.unread_pages.contains(offset) || loaded.unread_storages.contains(offset));
     return state().keeps_going() && (is_unread_part || offset >= copy.loaded.document_size());
 }
 

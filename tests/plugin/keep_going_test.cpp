@@ -203,6 +203,37 @@ TEST_F(KeepGoingTest, APageThatNoDirectoryListsIsNotThatAtOffsetZero) {
     expect_left_out(deck, "1|5650|slide|2", {"C:\\map.wmf"});
 }
 
+TEST_F(KeepGoingTest, ASlideListThatCannotBeReadToItsEndCostsNoPageInFrontOfIt) {
+    const auto deck = [](const std::u16string& map) {
+        Bytes record = atom(0, 0x0FFF, {});
+        bytes::store_u32(record, 4, 0x00100000);
+        Deck made;
+        made.add_slide().shape(Shape().picture(map));
+        made.add_slide().shape(Shape().picture(map));
+        made.list_record(PageKind::slide, record);
+        return made;
+    };
+    Deck before = deck(u"C:\\map.wmf");
+    Deck after = deck(u"D:\\maps\\map.wmf");
+    expect_left_out(before, "1|8140|slide|0", {"C:\\map.wmf", "C:\\map.wmf"});
+    relink_loaded({{0, u"D:\\maps\\map.wmf"}, {1, u"D:\\maps\\map.wmf"}});
+    EXPECT_EQ(difference(StoredFile(path("out.ppt")).document(), after.document_stream()), "");
+    EXPECT_EQ(not_written(), Indexes{});
+}
+
+TEST_F(KeepGoingTest, AnObjectThatTakesAPageForItsStorageCostsNoPage) {
+    const auto deck = [](const std::u16string& map) {
+        Deck made;
+        made.external_object(external_ole_link(7, 2));
+        made.add_slide().shape(Shape().picture(map)); // persist id 2
+        return made;
+    };
+    Deck before = deck(u"C:\\map.wmf");
+    Deck after = deck(u"D:\\maps\\map.wmf");
+    expect_left_out(before, "1|8140|ole|2", {"C:\\map.wmf"});
+    expect_relinked(before, {{0, u"D:\\maps\\map.wmf"}}, after);
+}
+
 TEST_F(KeepGoingTest, ALinkOfTheSlideListIsLeftOutWithoutItsPage) {
     Deck deck;
     const auto web = deck.hyperlink(u"http://a/");
