@@ -61,6 +61,7 @@ class DocumentWalk {
         bool ids_in_document;
     };
 
+    bool is_object_list(const PptRecord& child) const;
     void walk_slide_list(PptRecord& list);
     void read_list_child(PptRecord& list, PptRecord& child);
     void begin_page(std::uint16_t instance);
@@ -83,6 +84,7 @@ class DocumentWalk {
     bool target_id_wanted_;
     std::int32_t running_index_ = -1;
     std::array<std::int32_t, 3> pages_of_kind_{};
+    bool objects_walked_ = false;
     bool first_slide_walked_ = false;
     std::optional<std::uint32_t> page_offset_; // of the page that is being walked
     std::uint64_t page_bytes_ = 0;             // of all pages walked
@@ -104,7 +106,8 @@ std::int32_t DocumentWalk::walk() {
             break;
         }
         std::int32_t status = status::kSuccess;
-        if (child->is(RT_ExternalObjectList) && links_wanted_) {
+        if (is_object_list(*child)) {
+            objects_walked_ = true;
             status = j_walkExternalObjects(child);
         } else if (child->is(RT_SlideListWithText)) {
             walk_slide_list(*child);
@@ -116,6 +119,11 @@ std::int32_t DocumentWalk::walk() {
         }
     }
     return status::kSuccess;
+}
+
+// The rewrite finds an object by its number in the first list, so no other counts.
+bool DocumentWalk::is_object_list(const PptRecord& child) const {
+    return child.is_container(RT_ExternalObjectList) && links_wanted_ && !objects_walked_;
 }
 
 void DocumentWalk::walk_slide_list(PptRecord& list) {

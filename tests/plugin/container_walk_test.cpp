@@ -81,4 +81,20 @@ TEST_F(ContainerWalk, AnAtomInTheNameOfAContainerIsWrittenWhole) {
     expect_relinked(before, {{0, u"C:\\changed.doc"}}, after);
 }
 
+TEST_F(ContainerWalk, OnlyTheFirstListOfExternalObjectsCounts) {
+    const auto deck = [](const char16_t* target) {
+        Deck made;
+        const auto first = made.hyperlink(target);
+        made.document_record(
+            external_object_list(5, external_hyperlink(5, {.target = u"C:\\second.doc"})));
+        made.add_slide().shape(Shape().link(first)).shape(Shape().link(5));
+        return made;
+    };
+    Deck before = deck(u"C:\\a.doc");
+    Deck after = deck(u"C:\\changed.doc");
+    expect_relinked(before, {{0, u"C:\\changed.doc"}}, after);
+    ASSERT_EQ(load_again("out.ppt"), 0);
+    EXPECT_EQ(link_paths(), Paths{"C:\\changed.doc"});
+}
+
 } // namespace
