@@ -3,6 +3,7 @@
 #include "platform/platform.h"
 
 #include <cstdio>
+#include <memory>
 
 namespace ppt {
 
@@ -11,7 +12,12 @@ namespace {
 constexpr std::size_t kLogPathLimit = 259;
 constexpr DWORD kModulePathSize = 32768;
 
-std::FILE* log_file = nullptr;
+struct CloseFile {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+// Closed when the library is unloaded: its file belongs to a run-time library that may stay.
+std::unique_ptr<std::FILE, CloseFile> log_file;
 
 std::string executable_path() {
     std::string path(kModulePathSize, '\0');
@@ -34,7 +40,7 @@ void v_openLog() {
     }
     const std::string path = log_path_for(executable_path());
     if (!path.empty()) {
-        log_file = open_text_log(path.c_str());
+        log_file.reset(open_text_log(path.c_str()));
     }
 }
 
@@ -43,7 +49,7 @@ void v_logLine(std::string_view text, std::string_view argument) {
         return;
     }
     for (const std::string_view part : {text, argument, std::string_view("\r\n")}) {
-        std::fwrite(part.data(), 1, part.size(), log_file);
+        std::fwrite(part.data(), 1, part.size(), log_file.get());
     }
 }
 

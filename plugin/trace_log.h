@@ -1,6 +1,7 @@
 // The trace log: a plain-text file "PPT.log" in the folder of the host executable, with one line
 // for each step of loading and rewriting and one for each link added. Created or emptied by the
-// first start of the process and never closed or flushed while it runs. Lines end with CR LF.
+// first start of the process and neither closed nor flushed until the library is unloaded. Lines
+// end with CR LF.
 //
 // Logging never changes a status: where the file could not be opened, or its path would exceed 259
 // characters, nothing is written, and a failed write is passed over.

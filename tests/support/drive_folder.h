@@ -1,5 +1,6 @@
-// The drive Q: and the share \\srv\pub, which are one empty folder of a test. Elsewhere a new folder is
-// made and mapped; on Windows both have to be there and are emptied (scripts/windows makes them).
+// The drive Q: and the share \\srv\pub, which are one empty folder of a test. Elsewhere a new
+// folder is made and mapped; on Windows both have to be there and are emptied (scripts/windows
+// makes them).
 #pragma once
 
 #include "platform/posix/settings.h"
