@@ -1,7 +1,8 @@
-// 32-bit Windows only. A library's start code tells the unwinder where the library's exception tables
-// are: a shared run-time library that is in the process already, brought there by somebody else's
-// plug-in, or else the unwinder that is linked in. Only the latter looks for our handlers, and an
-// exception that finds none ends the host. So it is told here when the start code told the other one.
+// 32-bit Windows only. A library's start code tells the unwinder where the library's exception
+// tables are: a shared run-time library that is in the process already, brought there by somebody
+// else's plug-in, or else the unwinder that is linked in. Only the latter looks for our handlers,
+// and an exception that finds none ends the host. So it is told here when the start code told the
+// other one.
 #include "platform/platform.h"
 
 #include <string_view>
@@ -19,7 +20,8 @@ constexpr std::string_view kTables = ".eh_fram"; // section names have 8 charact
 
 const void* exception_tables() {
     const auto* const image = reinterpret_cast<const char*>(&__ImageBase);
-    const auto* const head = reinterpret_cast<const IMAGE_NT_HEADERS*>(image + __ImageBase.e_lfanew);
+    const auto* const head =
+        reinterpret_cast<const IMAGE_NT_HEADERS*>(image + __ImageBase.e_lfanew);
     const IMAGE_SECTION_HEADER* section = IMAGE_FIRST_SECTION(head);
     for (WORD i = 0; i < head->FileHeader.NumberOfSections; ++i, ++section) {
         const auto* const name = reinterpret_cast<const char*>(section->Name);

@@ -337,9 +337,10 @@ TEST_F(KeepGoingTest, AStorageThatEndsTooEarlyIsLeftOut) {
     expect_left_out(deck, "1|8140|ole|2", {});
 }
 
-#if !defined(                                                                                      \
-    _WIN32) // Wine's StgOpenStorageOnILockBytes refuses such a storage: the load gives 5700
 TEST_F(KeepGoingTest, AnObjectWhoseStorageCanOnlyBeReadIsReportedAsNotWritten) {
+#if defined(_WIN32)
+    GTEST_SKIP() << "the system's StgOpenStorageOnILockBytes refuses such a storage with 5700";
+#endif
     constexpr std::size_t kMiniStreamCutoff = 56; // in a compound file's header
     Bytes image = ole_storage_to("C:\\book.xls");
     bytes::store_u32(image, kMiniStreamCutoff, 8192);
@@ -362,7 +363,6 @@ TEST_F(KeepGoingTest, AnObjectWhoseStorageCanOnlyBeReadIsReportedAsNotWritten) {
     ASSERT_EQ(j_setLinkFileName(0, "C:\\new.xls", 0), 0);
     EXPECT_EQ(rewrite("out.ppt"), status::kStorageOnMemoryFailed);
 }
-#endif
 
 TEST_F(KeepGoingTest, DocumentPropertiesThatCannotBeReadAreCopied) {
     Deck deck;

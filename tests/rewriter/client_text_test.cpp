@@ -1,9 +1,6 @@
 // The displayed texts of hyperlinks: what is replaced, what moves, and what stays.
-#include "tests/rewriter/relink_fixture.h"
-
-#if !defined(_WIN32)
 #include "tests/pptlinks/code_page_guard.h"
-#endif
+#include "tests/rewriter/relink_fixture.h"
 
 #include <chrono>
 
@@ -207,14 +204,13 @@ TEST_F(ClientTextTest, TextWhoseRunsAreNotUnderstoodStaysAsItIs) {
     }
 }
 
-#if !defined(_WIN32) // which has one ANSI code page for all programs
 TEST_F(ClientTextTest, BytesBecomeCharactersWhenTheyHaveTo) {
     const auto deck = [](const std::u16string& target, bool as_bytes) {
         const auto end = static_cast<std::uint32_t>(3 + target.size());
         Text text(u"\u00e9\u00e9 " + target);
         return deck_of({target}, (as_bytes ? text.as_bytes() : text).link(1, 3, end));
     };
-    for (const UINT code_page : {CP_UTF8, UINT{932}}) {
+    for (const UINT code_page : {UINT{CP_UTF8}, UINT{932}}) {
         const CodePageGuard guard(code_page);
         Deck before = deck(u"C:\\a.doc", true);
         Deck fits = deck(u"D:\\bcd.doc", true);
@@ -229,7 +225,6 @@ TEST_F(ClientTextTest, BytesBecomeCharactersWhenTheyHaveTo) {
     Deck after = deck(u"D:\\\u00fc\u00fc.doc", true);
     expect_relinked(before, {{0, u"D:\\\u00fc\u00fc.doc"}}, after);
 }
-#endif
 
 TEST_F(ClientTextTest, LinksThatShareTheirWordsAgreeOrTheSecondIsReported) {
     Action over;

@@ -15,6 +15,8 @@ namespace {
 
 using namespace presentation_builder;
 
+constexpr bool kIs64Bit = sizeof(void*) == 8;
+
 class Library : public testing::Test {
   protected:
     void SetUp() override { folder_ = make_temporary_folder("library"); }
@@ -124,9 +126,11 @@ TEST_F(Library, ALogIsWholeWhenTheLibraryIsUnloaded) {
     library() = nullptr;
 }
 
-#if !defined(_WIN64) // where exceptions need no tables of the libraries, and addresses have no end
 // Its unwinder is told of our exception tables in place of our own.
 TEST_F(Library, ARunTimeLibraryOfSomebodyElseDoesNoHarm) {
+    if (kIs64Bit) {
+        GTEST_SKIP() << "64-bit libraries register no exception tables";
+    }
     ASSERT_NE(FreeLibrary(library()), FALSE);
     library() = nullptr;
     const HMODULE runtime =
@@ -169,6 +173,9 @@ class NoLargeBlocks {
 };
 
 TEST_F(Library, AHostThatAskedForItIsToldHowMuchMemoryWasWanted) {
+    if (kIs64Bit) {
+        GTEST_SKIP() << "the address space has no end that could be reached";
+    }
     start();
     bound<decltype(&v_setNewMode)>("_v_setNewMode@0")();
     constexpr std::size_t kLarge = 8 << 20;
@@ -188,6 +195,5 @@ TEST_F(Library, AHostThatAskedForItIsToldHowMuchMemoryWasWanted) {
     EXPECT_EQ(status, ppt::status::kOutOfMemory);
     EXPECT_EQ(error_parameters().substr(0, 8), std::to_string(kLarge) + '|');
 }
-#endif
 
 } // namespace

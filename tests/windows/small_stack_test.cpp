@@ -1,5 +1,5 @@
-// How little stack loading and rewriting need: a thread has 256 KB of it left, for a presentation that is
-// nested as deep as one may be and has everything that is looked into.
+// How little stack loading and rewriting need: a thread has 256 KB of it left, for a presentation
+// that is nested as deep as one may be and has everything that is looked into.
 #include "tests/plugin/plugin_fixture.h"
 #include "tests/support/ole_storage.h"
 #include "tests/support/property_stream.h"
@@ -13,8 +13,8 @@ using namespace presentation_builder;
 
 constexpr std::size_t kSmallStack = 256 * 1024;
 
-// Calls the function when all of this thread's stack but the last 256 KB is used up. Wine gives more
-// than a thread asks for, so that a small reservation alone would show nothing.
+// Calls the function when all of this thread's stack but the last 256 KB is used up. Wine gives
+// more than a thread asks for, so that a small reservation alone would show nothing.
 [[gnu::noinline]] void call_at_the_end(const std::function<void()>& function) {
     char here = 0;
     MEMORY_BASIC_INFORMATION region{};
@@ -54,8 +54,9 @@ TEST_F(SmallStack, IsEnoughToLoadAndRewrite) {
         .shape(nested)
         .shape(Shape().object(book))
         .shape(Shape().text(Text(u"words of a link").link(web, 0, 5)));
-    deck.properties(
-        PropertyStream().blob(u"_PID_HLINKS", hyperlink_list({{{u"http://example.org/"}}})).build());
+    deck.properties(PropertyStream()
+                        .blob(u"_PID_HLINKS", hyperlink_list({{{u"http://example.org/"}}}))
+                        .build());
     std::int32_t loaded = -1;
     std::int32_t count = 0;
     std::int32_t rewritten = -1;
