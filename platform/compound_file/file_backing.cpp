@@ -95,16 +95,14 @@ class FileBacking final : public Backing {
 
     // Refuses what is no ordinary file and takes the lock.
     void settle(const std::string& path, Access access) {
-        struct stat found {};
-        if (::fstat(descriptor_, &found) != 0) {
-            fail(Errc::access, errno, "stat of " + path);
-        }
-        if (!S_ISREG(found.st_mode)) {
-            throw Error(S_ISDIR(found.st_mode) ? Errc::is_directory : Errc::access,
+        const mode_t mode = stat_of(path).st_mode;
+        if (!S_ISREG(mode)) {
+            throw Error(S_ISDIR(mode) ? Errc::is_directory : Errc::access,
                         path + " is no ordinary file");
         }
-        size_ = static_cast<std::uint64_t>(found.st_size);
         lock(path, access);
+        // Only now: until the lock was there another writer may have made the file longer.
+        size_ = static_cast<std::uint64_t>(stat_of(path).st_size);
     }
 
     std::size_t read_at(std::uint64_t offset, std::span<std::uint8_t> out) override {
@@ -194,6 +192,14 @@ class FileBacking final : public Backing {
     int descriptor() const override { return descriptor_; }
 
   private:
+    struct stat stat_of(const std::string& path) const {
+        struct stat found {};
+        if (::fstat(descriptor_, &found) != 0) {
+            fail(Errc::access, errno, "stat of " + path);
+        }
+        return found;
+    }
+
     void lock(const std::string& path, Access access) {
         struct flock whole {};
         whole.l_type = access == Access::read ? F_RDLCK : F_WRLCK;

@@ -162,5 +162,18 @@ TEST_F(DiskFault, ALockThatAnotherProcessHoldsEndsRewritingWithAStatus) {
     }
 }
 
+TEST_F(DiskFault, AFileThatAnotherFinishesBeforeItIsLockedIsReadWhole) {
+    for (const std::size_t part : {std::size_t{0}, source_.size() / 2}) {
+        SCOPED_TRACE(std::to_string(part) + " bytes at first");
+        std::ofstream(path("deck.ppt"), std::ios::binary) << source_.substr(0, part);
+        const BeforeTheFirstLock other([this, part] {
+            std::ofstream(path("deck.ppt"), std::ios::binary | std::ios::app)
+                << source_.substr(part);
+        });
+        EXPECT_EQ(load_again("deck.ppt"), 0);
+        EXPECT_EQ(loaded_links(), links_);
+    }
+}
+
 } // namespace
 } // namespace fault

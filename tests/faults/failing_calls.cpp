@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <limits>
 #include <sys/types.h>
+#include <utility>
 
 extern "C" {
 // The linker's names for the C library's functions.
@@ -31,6 +32,7 @@ int failing_with = 0;
 Failure failing = Failure::once;
 bool failed = false;
 bool kernel_copies = true;
+std::function<void()> before_the_first_lock;
 
 bool fails(Calls calls) {
     if (calls != failing_calls || left_until_failure == kNever) {
@@ -73,6 +75,14 @@ FailingCall::~FailingCall() {
 
 bool FailingCall::happened() const {
     return failed;
+}
+
+BeforeTheFirstLock::BeforeTheFirstLock(std::function<void()> action) {
+    before_the_first_lock = std::move(action);
+}
+
+BeforeTheFirstLock::~BeforeTheFirstLock() {
+    before_the_first_lock = nullptr;
 }
 
 NoKernelCopies::NoKernelCopies() {
@@ -124,6 +134,9 @@ ssize_t __wrap_copy_file_range(int from, off_t* from_offset, int to, off_t* to_o
 }
 
 int __wrap_fcntl(int file, int command, void* lock) {
+    if (const auto action = std::exchange(fault::before_the_first_lock, nullptr)) {
+        action();
+    }
     return fault::fails(fault::Calls::locks) ? -1 : __real_fcntl(file, command, lock);
 }
 

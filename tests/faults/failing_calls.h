@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 
 namespace fault {
 
@@ -30,6 +31,15 @@ class FailingCall {
 
     // Whether there were so many calls that it came to the failing one.
     bool happened() const;
+};
+
+// Something that happens right before the first lock is taken. It takes none itself.
+class BeforeTheFirstLock {
+  public:
+    explicit BeforeTheFirstLock(std::function<void()> action);
+    BeforeTheFirstLock(const BeforeTheFirstLock&) = delete;
+    BeforeTheFirstLock& operator=(const BeforeTheFirstLock&) = delete;
+    ~BeforeTheFirstLock();
 };
 
 // For its lifetime the kernel copies nothing between files, so that it goes through a buffer.
