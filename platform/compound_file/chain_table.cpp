@@ -28,30 +28,31 @@ Sector Pick::end() const {
 }
 
 std::uint32_t ChainTable::chain_length(Sector first, std::uint64_t limit) const {
-    // Brent's search for a cycle: a checkpoint moves ahead in steps of growing powers of two.
+    // Brent's search for a cycle: a checkpoint moves ahead in steps of growing powers of two. One
+    // within the first n sectors is found after three times as many.
     const std::uint64_t bound = std::min<std::uint64_t>(limit, present_);
+    const std::uint64_t longest_search = 3 * bound;
     Sector at = first;
     Sector checkpoint = first;
-    std::uint32_t since_checkpoint = 0;
-    std::uint32_t power = 1;
-    std::uint32_t length = 0;
-    while (length < bound && holds(at)) {
+    std::uint64_t since_checkpoint = 0;
+    std::uint64_t power = 1;
+    std::uint64_t length = 0;
+    while (length < longest_search && holds(at)) {
         ++length;
         at = links_[at];
         ++since_checkpoint;
         if (at == checkpoint) {
             // A cycle of since_checkpoint sectors: it begins where two walkers that far apart meet.
             Sector ahead = first;
-            for (std::uint32_t i = 0; i < since_checkpoint; ++i) {
+            for (std::uint64_t i = 0; i < since_checkpoint; ++i) {
                 ahead = links_[ahead];
             }
-            std::uint32_t before_cycle = 0;
+            std::uint64_t before_cycle = 0;
             for (Sector behind = first; behind != ahead; ++before_cycle) {
                 behind = links_[behind];
                 ahead = links_[ahead];
             }
-            return static_cast<std::uint32_t>(
-                std::min<std::uint64_t>(bound, std::uint64_t{before_cycle} + since_checkpoint));
+            return static_cast<std::uint32_t>(std::min(bound, before_cycle + since_checkpoint));
         }
         if (since_checkpoint == power) {
             checkpoint = at;
@@ -59,7 +60,7 @@ std::uint32_t ChainTable::chain_length(Sector first, std::uint64_t limit) const 
             since_checkpoint = 0;
         }
     }
-    return length;
+    return static_cast<std::uint32_t>(std::min(bound, length));
 }
 
 std::uint32_t ChainTable::cut_behind(Sector last) const {

@@ -105,6 +105,19 @@ TEST_F(Damage, LoopsEndAtTheirFirstRepeat) {
     EXPECT_EQ(open_on(medium_)->info(a_).name, u"a");
 }
 
+TEST_F(Damage, ALoopEndsAtItsFirstRepeatHoweverLittleMoreIsClaimed) {
+    std::uint32_t last = first(a_);
+    while (link(last) != kEnd) {
+        last = link(last);
+    }
+    set(link_at(last), first(a_));
+    bytes::Bytes there(100000);
+    for (std::uint32_t sectors = 10; sectors < 40; ++sectors) {
+        set(size_at(a_), 512 * sectors);
+        EXPECT_EQ(open_on(medium_)->stream(a_)->read_at(0, there), 10 * 512U);
+    }
+}
+
 TEST_F(Damage, AFileCutShortIsReadAsFarAsItGoes) {
     std::uint32_t last = first(b_);
     while (link(last) != kEnd) {
