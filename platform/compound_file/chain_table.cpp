@@ -111,6 +111,15 @@ void ChainTable::take_out(Sector sector, Sector mark) {
     }
 }
 
+void ChainTable::free_absent() {
+    for (Sector sector = present_; sector < size(); ++sector) {
+        links_[sector] = kFreeSector;
+        if (may_give_out(sector)) {
+            free_.insert(sector);
+        }
+    }
+}
+
 void ChainTable::end_if_broken(Sector sector) {
     const Sector following = links_[sector];
     if (following == kFreeSector || (following <= kHighestSector && !holds(following))) {

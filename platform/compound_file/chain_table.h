@@ -63,6 +63,10 @@ class ChainTable {
 
     // Marks a sector that is in use; changes nothing where it is not marked free.
     void take_out(Sector sector, Sector mark);
+    // Counts the links of all sectors behind the last one that is there as free, whatever they say,
+    // so that a file grows at its end: a free link far behind it would make a huge file of a small
+    // one. Nothing of this is written unless a link nearby changes.
+    void free_absent();
     // Ends the chain at a sector in use whose link is a free mark, or the number of a sector that
     // is not there: once the file has grown, that number would be somebody else's sector.
     void end_if_broken(Sector sector);

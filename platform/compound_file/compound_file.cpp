@@ -60,6 +60,8 @@ Engine::Engine(std::unique_ptr<Backing> backing, Access access, const Header& he
     const Entry& root = directory_.at(kRoot);
     minis_.load(*backing_, sectors_, header_, root.first, root.size);
     if (access_ == Access::read_write) {
+        sectors_.free_absent();
+        minis_.free_absent();
         crossed_ = claim_sectors(sectors_, minis_, directory_);
     }
 }

@@ -96,6 +96,27 @@ TEST_F(Ownership, AChainThatRunsBehindTheFileStaysThereWhenTheFileGrows) {
     file->stream(file->find(kRoot, u"tiny"))->write_at(0, pattern(10, 10)); // not crossed by d
 }
 
+TEST_F(Ownership, AFileGrowsAtItsEndThoughOnlyLinksFarBehindItAreFree) {
+    constexpr std::uint32_t kLinks = 128; // of the only FAT sector, and of the only mini FAT sector
+    const std::uint64_t size = medium_->size;
+    for (auto sector = static_cast<std::uint32_t>(size / 512 - 1); sector + 1 < kLinks; ++sector) {
+        set(link_at(sector), kEnd);
+    }
+    for (std::uint32_t mini = get(size_at(kRoot)) / 64; mini + 1 < kLinks; ++mini) {
+        set(mini_link_at(mini), kEnd);
+    }
+    auto file = open_on(medium_, Access::read_write);
+    add_stream(*file, kRoot, u"new", pattern(kLarge, 9));
+    add_stream(*file, kRoot, u"tiny", pattern(kSmall, 10));
+    file->flush();
+    constexpr std::uint64_t kAdded = 10 + 1 + 1; // large stream, mini stream, directory
+    EXPECT_EQ(medium_->size, size + 512 * kAdded);
+    EXPECT_EQ(faults_of(medium_), "");
+    file = open_on(medium_);
+    EXPECT_EQ(content_at(*file, u"new"), pattern(kLarge, 9));
+    EXPECT_EQ(content_at(*file, u"tiny"), pattern(kSmall, 10));
+}
+
 TEST_F(Ownership, AChainLongerThanItsSizeIsNotFollowed) {
     std::uint32_t last = first(a_);
     while (link(last) != kEnd) {
