@@ -151,18 +151,22 @@ bool BoxText::find_range(const LinkRecord& link, Change& change) {
 }
 
 // Where the paragraph marks in front of `end` begin. Many ranges may end in the same stretch of
-// them, so none is looked at twice.
+// them, in any order, so none is looked at twice.
 std::uint32_t BoxText::end_of_words(std::uint32_t end) {
-    const auto behind = words_before_.upper_bound(end);
-    const auto known = behind == words_before_.begin() ? behind : std::prev(behind);
-    const std::uint32_t known_end = known == behind ? 0 : known->first;
+    const auto behind = mark_stretches_.upper_bound(end);
+    const bool is_first = behind == mark_stretches_.begin();
+    const auto before = is_first ? behind : std::prev(behind);
+    const std::uint32_t seen_up_to = is_first ? 0 : before->second;
     std::uint32_t at = end;
-    while (at > known_end && unit(at - 1) == kParagraphMark) {
+    while (at > seen_up_to && unit(at - 1) == kParagraphMark) {
         --at;
     }
-    at = at == known_end && known != behind ? known->second : at;
-    words_before_.emplace(end, at);
-    return at;
+    if (is_first || at > seen_up_to) {
+        mark_stretches_.emplace(at, end);
+        return at;
+    }
+    before->second = std::max(seen_up_to, end);
+    return before->first;
 }
 
 BoxText::Units BoxText::words_of(const LinkRecord& link) const {

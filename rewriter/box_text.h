@@ -72,8 +72,8 @@ class BoxText {
     std::vector<std::uint32_t> followers_;    // places in the loaded document stream
     std::vector<Range> ranges_;               // of those followers that are ranges, in their order
     std::vector<std::uint32_t> range_starts_; // ascending once the text is written
-    std::map<std::uint32_t, std::uint32_t> words_before_; // ends of ranges, see end_of_words
-    TextReplacements replacements_;                       // none: the text stays as it is
+    std::map<std::uint32_t, std::uint32_t> mark_stretches_; // start and end, as far as looked at
+    TextReplacements replacements_;                         // none: the text stays as it is
 };
 
 } // namespace ppt
