@@ -5,6 +5,7 @@
 #include "plugin/status.h"
 #include "plugin/system_error.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -19,10 +20,11 @@ constexpr std::int32_t kThrown = -1;
 
 // The number of units or bytes produced, or kThrown. A stale error of an earlier call must not turn
 // a double-byte conversion, which produces fewer units than bytes, into a failure.
-std::int32_t convert(const char* source, WCHAR* destination, std::int32_t size) {
+std::int32_t convert(const char* source, std::int32_t length, WCHAR* destination,
+                     std::int32_t size) {
     try {
         SetLastError(NO_ERROR);
-        return MultiByteToWideChar(CP_ACP, 0, source, -1, destination, size);
+        return MultiByteToWideChar(CP_ACP, 0, source, length, destination, size);
     } catch (...) {
         return kThrown;
     }
@@ -49,36 +51,21 @@ void require_countable(std::size_t room) {
     }
 }
 
-void append_converted(WideString& out, std::string_view piece) {
-    require_countable(piece.size() + 1);
-    const std::string source(piece);
-    WideString converted(source.size() + 1, WCHAR{0});
-    require_success(j_ansiToWide(source.c_str(), converted.data(), count_of(converted.size())));
-    out += converted.c_str();
-}
-
-void append_converted(std::string& out, WideView piece) {
-    constexpr std::size_t kMostBytesPerUnit = 4;
-    require_countable(piece.size() * kMostBytesPerUnit + 1);
-    const WideString source(piece);
-    std::string converted(source.size() * kMostBytesPerUnit + 1, '\0');
-    require_success(j_wideToAnsi(source.c_str(), -1, converted.data(), count_of(converted.size())));
-    out += converted.c_str();
-}
-
-// The conversions end at a zero: what stands between the zeros of a text is converted by itself.
+// The whole text at once, zeros and all: a text may have thousands of them.
 template <class To, class From>
-To convert_pieces(From text) {
-    To out;
-    for (;;) {
-        const auto end = text.find(typename From::value_type{0});
-        append_converted(out, text.substr(0, end));
-        if (end == From::npos) {
-            return out;
-        }
-        out.push_back(0);
-        text.remove_prefix(end + 1);
+To convert_whole(From text, std::size_t most_per_item) {
+    if (text.empty()) {
+        return {};
     }
+    require_countable(text.size() * most_per_item);
+    To converted(text.size() * most_per_item, typename To::value_type{});
+    const std::int32_t count =
+        convert(text.data(), count_of(text.size()), converted.data(), count_of(converted.size()));
+    if (count <= 0) {
+        require_success(count == kThrown ? status::kSystemError : n_translateSystemError());
+    }
+    converted.resize(static_cast<std::size_t>(std::max(count, 0)));
+    return converted;
 }
 
 } // namespace
@@ -104,7 +91,7 @@ std::int32_t j_ansiToWide(const char* source, WCHAR* destination, std::int32_t s
     if (source == nullptr || destination == nullptr) {
         return status::kNullArgument;
     }
-    const std::int32_t units = convert(source, destination, size);
+    const std::int32_t units = convert(source, -1, destination, size);
     if (units == kThrown) {
         return status::kSystemError;
     }
@@ -169,11 +156,13 @@ bool b_codePageIsMultiByte() {
 }
 
 std::basic_string<WCHAR> wide_from_ansi(std::string_view text) {
-    return convert_pieces<std::basic_string<WCHAR>>(text);
+    constexpr std::size_t kMostUnitsPerByte = 1;
+    return convert_whole<WideString>(text, kMostUnitsPerByte);
 }
 
 std::string ansi_from_wide(std::basic_string_view<WCHAR> text) {
-    return convert_pieces<std::string>(text);
+    constexpr std::size_t kMostBytesPerUnit = 4;
+    return convert_whole<std::string>(text, kMostBytesPerUnit);
 }
 
 } // namespace ppt
