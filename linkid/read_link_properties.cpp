@@ -18,6 +18,7 @@
 #include <algorithm>
 #include <map>
 #include <new>
+#include <unordered_map>
 
 namespace ppt {
 
@@ -40,8 +41,14 @@ class IdMatches {
         if (order_ == 0) {
             return;
         }
+        // The uses of an object share its path, and there may be very many of them.
+        std::unordered_map<const std::string*, const Match*> by_path;
         for (LinkRecord& link : state().links.links()) {
-            if (const Match* match = last_match(link.file_name)) {
+            const auto [known, is_new] = by_path.try_emplace(&link.file_name.text());
+            if (is_new) {
+                known->second = last_match(link.file_name);
+            }
+            if (const Match* match = known->second) {
                 v_id64FromStr(&link.link_id, match->id_text.c_str());
                 link.property_id = match->property_id;
             }
