@@ -43,6 +43,8 @@ std::uint64_t PropertyValue::size() const {
                    : sizeof(WCHAR) * std::char_traits<WCHAR>::length(value_.pwszVal);
     case VT_BLOB:
         return value_.blob.cbSize;
+    case VT_CF:
+        return value_.pclipdata == nullptr ? 0 : value_.pclipdata->cbSize;
     default:
         return 0;
     }

@@ -25,7 +25,7 @@ class PropertyValue {
     bool is_blob() const { return value_.vt == VT_BLOB && value_.blob.pBlobData != nullptr; }
     bool is_empty_blob() const { return value_.vt == VT_BLOB && value_.blob.cbSize == 0; }
 
-    // Of its characters or bytes; 0 for values of other types.
+    // Of its characters or bytes; 0 for values of types that take no more than a few.
     std::uint64_t size() const;
 
     // Whether the value is a text; `text` then gets it in the ANSI code page, at most 1023 bytes of

@@ -10,6 +10,14 @@ namespace {
 
 constexpr std::uint32_t kAscii = 20127;
 
+bytes::View up_to_zero_unit(bytes::View raw) {
+    std::size_t end = 0;
+    while (end + 1 < raw.size() && bytes::load_u16(raw, end) != 0) {
+        end += 2;
+    }
+    return raw.first(end);
+}
+
 } // namespace
 
 SectionText::SectionText(std::uint32_t code_page)
@@ -22,9 +30,7 @@ bool SectionText::is_utf16() const {
 
 std::optional<std::u16string> SectionText::decode(bytes::View raw) const {
     if (is_utf16()) {
-        auto text = code_page::decode_lossy(code_page::kUtf16, raw);
-        text->resize(std::min(text->find(u'\0'), text->size()));
-        return text;
+        return code_page::decode_lossy(code_page::kUtf16, up_to_zero_unit(raw));
     }
     const auto terminator = std::find(raw.begin(), raw.end(), std::uint8_t{0});
     return code_page::decode(converted_as_, {raw.begin(), terminator});

@@ -19,7 +19,8 @@ class SectionText {
     bool is_utf16() const;
 
     // The text up to its first terminator, or all of it when there is none; nothing when it does
-    // not convert. An odd byte at the end of UTF-16 is dropped.
+    // not convert. An odd byte at the end of UTF-16 is dropped. Cost: linear in the text; what
+    // stands behind the terminator is not looked at.
     std::optional<std::u16string> decode(bytes::View raw) const;
 
     // The text with a terminator behind it; nothing when it does not convert.
