@@ -56,9 +56,10 @@ bool b_isCompressed(const PptRecord& storage_record);
 MemoryBlock v_inflateObjectStorage(bytes::View body, std::size_t most);
 
 // A storage is unpacked up to this size and this many times that of its document, whichever zlib
-// data the document holds: a thousandth of it can make as much.
-inline constexpr std::size_t kFreelyUnpacked = std::size_t{32} << 20;
-inline constexpr std::size_t kUnpackedPerByte = 4;
+// data the document holds: a thousandth of it can make as much. A quarter of what a load may take,
+// since a storage that is nothing but directory entries takes nearly four times its size once open.
+inline constexpr std::size_t kFreelyUnpacked = std::size_t{16} << 20;
+inline constexpr std::size_t kUnpackedPerByte = 2;
 
 // A block with the storage of a record of either form. Throws what v_inflateObjectStorage throws.
 MemoryBlock object_storage(const PptRecord& storage_record);

@@ -19,6 +19,7 @@ namespace ppt {
 namespace {
 
 constexpr std::int32_t kMonikerSizeOffset = 20;
+constexpr std::uint64_t kLongestMoniker = std::uint64_t{1} << 20; // in bytes; paths take a thousand
 constexpr std::int32_t kLimit = static_cast<std::int32_t>(kLinkTextLimit);
 
 std::uint64_t size_of(IStream* stream) {
@@ -48,6 +49,10 @@ bytes::Bytes relative_moniker(IStorage* storage) {
         v_setErrorParamTextAndNumber(document_path(), static_cast<std::int32_t>(available));
         b_appendErrorParamNumber(static_cast<std::int32_t>(wanted));
         throw static_cast<int>(status::kShortRead);
+    }
+    if (wanted > kLongestMoniker) {
+        v_setErrorParamNumbers(static_cast<std::int32_t>(wanted), kLongestMoniker);
+        throw static_cast<int>(status::kDamaged);
     }
     resize_checked(data, static_cast<std::size_t>(wanted));
     require_success(j_readStream(stream.get(), data.data(), static_cast<std::int32_t>(wanted)));

@@ -24,9 +24,11 @@ HRESULT open_ole_stream(IStorage* storage, DWORD access, ComPtr<IStream>& stream
     return storage->OpenStream(kOleStream, nullptr, access | STGM_SHARE_EXCLUSIVE, 0, stream.put());
 }
 
-// Piece by piece, since a damaged storage may claim a stream that it does not hold.
+// Piece by piece, since a damaged storage may claim a stream that it does not hold. Monikers take
+// some hundred bytes, and their stream is copied several times while its source changes.
 HRESULT read_ole_stream(IStorage* storage, bytes::Bytes& data) {
     constexpr ULONG kPiece = 16 * 1024;
+    constexpr std::size_t kMost = std::size_t{1} << 20;
     ComPtr<IStream> stream;
     HRESULT result = open_ole_stream(storage, STGM_READ, stream);
     ULONG read = kPiece;
@@ -35,6 +37,10 @@ HRESULT read_ole_stream(IStorage* storage, bytes::Bytes& data) {
         data.resize(size + kPiece);
         result = stream->Read(data.data() + size, kPiece, &read);
         data.resize(size + read);
+        if (data.size() > kMost) {
+            throw Error(Errc::corrupt, "OLE stream of " + std::to_string(data.size()) +
+                                           " bytes or more, allowed " + std::to_string(kMost));
+        }
     }
     return result;
 }

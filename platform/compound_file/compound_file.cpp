@@ -56,6 +56,7 @@ Engine::Engine(std::unique_ptr<Backing> backing, Access access, const Header& he
     , minis_(geometry_)
     , directory_(geometry_) {
     sectors_.load(*backing_, header_);
+    require_distinct_metadata();
     load_directory();
     const Entry& root = directory_.at(kRoot);
     minis_.load(*backing_, sectors_, header_, root.first, root.size);
@@ -63,6 +64,36 @@ Engine::Engine(std::unique_ptr<Backing> backing, Access access, const Header& he
         sectors_.free_absent();
         minis_.free_absent();
         crossed_ = claim_sectors(sectors_, minis_, directory_);
+    }
+}
+
+// FAT, mini FAT and directory take more memory than their sectors do in the file. A file that makes
+// each of its sectors all of them is no reason to take their sum for it.
+void Engine::require_distinct_metadata() const {
+    SectorSet seen(sectors_.size());
+    const auto require_new = [&seen](Sector sector) {
+        if (seen.contains(sector)) {
+            throw Error(Errc::corrupt,
+                        "sector " + std::to_string(sector) +
+                            " has two owners among FAT, mini FAT and directory, allowed is one");
+        }
+        seen.insert(sector);
+    };
+    const auto require_new_chain = [&](Sector first) {
+        const std::uint32_t count = sectors_.chain_length(first, sectors_.size());
+        Sector at = first;
+        for (std::uint32_t i = 0; i < count; ++i, at = sectors_.next(at)) {
+            require_new(at);
+        }
+    };
+    for (const Sector sector : sectors_.fat_sectors()) {
+        if (sectors_.holds(sector)) {
+            require_new(sector);
+        }
+    }
+    require_new_chain(header_.first_directory);
+    if (header_.mini_fat_sectors > 0) {
+        require_new_chain(header_.first_mini_fat);
     }
 }
 

@@ -152,7 +152,7 @@ TEST_F(OleLoadTest, PersistIdsMustLeadToAStorage) {
 // named.
 TEST_F(OleLoadTest, WorkAndMemoryFollowTheFile) {
     Bytes image = image_of({{}, kAbsolute});
-    image.resize(32 << 20);
+    image.resize(16 << 20);
     Deck deck;
     const auto persist_id = deck.persist_object(storage_record_claiming(image, 0xFFFFFFF0));
     constexpr int kEntries = 2000;
