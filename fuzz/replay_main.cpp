@@ -1,11 +1,14 @@
-// Runs a target once over each file of the folders that are named, in the order of their names. The
-// target ends the process when something is wrong.
+// Runs a target once over each file of the folders that are named. The target ends the process when
+// something is wrong.
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <exception>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <stdexcept>
+#include <string>
 #include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
@@ -20,18 +23,33 @@ void replay(const std::filesystem::path& path) {
     LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(data.data()), data.size());
 }
 
+// In the order of their names. Throws when there is no such folder or nothing in it: a name that
+// was misspelt must not pass for a test.
+std::vector<std::filesystem::path> files_in(const char* folder) {
+    std::vector<std::filesystem::path> paths;
+    std::copy(std::filesystem::directory_iterator(folder), {}, std::back_inserter(paths));
+    if (paths.empty()) {
+        throw std::runtime_error(std::string(folder) + ": nothing to replay");
+    }
+    std::sort(paths.begin(), paths.end());
+    return paths;
+}
+
 } // namespace
 
 int main(int count, char** arguments) {
-    std::vector<std::filesystem::path> paths;
-    for (int i = 1; i < count; ++i) {
-        if (std::filesystem::exists(arguments[i])) {
-            std::copy(std::filesystem::directory_iterator(arguments[i]), {},
-                      std::back_inserter(paths));
-        }
+    if (count < 2) {
+        std::fprintf(stderr, "usage: %s FOLDER...\n", arguments[0]);
+        return 2;
     }
-    std::sort(paths.begin(), paths.end());
-    for (const std::filesystem::path& path : paths) {
-        replay(path);
+    try {
+        for (int i = 1; i < count; ++i) {
+            for (const std::filesystem::path& path : files_in(arguments[i])) {
+                replay(path);
+            }
+        }
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+        return 1;
     }
 }
