@@ -5,6 +5,8 @@
 #include "platform/base/bytes.h"
 
 #include <cstddef>
+#include <cstdint>
+#include <ostream>
 #include <span>
 #include <string>
 
@@ -17,15 +19,32 @@ inline constexpr std::size_t kMost = 15000;
 inline constexpr std::size_t kMost = 1000000;
 #endif
 
+// What a call comes to: one status or, at another count, the other.
+struct Statuses {
+    std::int32_t one = 0;
+    std::int32_t other = one;
+
+    bool contains(std::int32_t status) const { return status == one || status == other; }
+};
+
 struct Family {
     const char* name;
     bytes::Bytes (*build)(std::size_t count); // the whole file
     std::size_t most;                         // the greatest count that is measured
+    Statuses load{};
+    Statuses rewrite{};          // of a file that loads
+    Statuses load_leaving_out{}; // with the letter `k`, of a file that does not load without
+    const char* letters = "het"; // the options
 };
+
+inline void PrintTo(const Family& family, std::ostream* out) {
+    *out << family.name;
+}
 
 // By what they attack.
 std::span<const Family> structure_families(); // user edits, persist directory, pages, groups
-std::span<const Family> link_families();      // external objects, texts, OLE storages
+std::span<const Family> link_families();      // external objects, texts
+std::span<const Family> storage_families();   // OLE storages
 std::span<const Family> property_families();  // the document properties
 std::span<const Family> compound_families();  // the compound file around it all
 

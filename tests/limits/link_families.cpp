@@ -1,6 +1,5 @@
-// External objects, texts with links, and the storages of linked OLE objects.
+// External objects and texts with links.
 #include "tests/limits/families.h"
-#include "tests/support/ole_storage.h"
 #include "tests/support/presentation_builder.h"
 
 #include <algorithm>
@@ -96,6 +95,20 @@ Bytes links_over_paragraph_marks(std::size_t count) {
     return text_with_links(count, std::u16string(20 * count, u'\r'), true);
 }
 
+// Each link ends in front of the one before it.
+Bytes links_backwards_over_paragraph_marks(std::size_t count) {
+    Deck deck;
+    const std::uint32_t target = deck.hyperlink(u"C:\\old\\a.doc");
+    const std::size_t length = 400 * count;
+    Text box(std::u16string(length, u'\r'));
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto end = static_cast<std::uint32_t>(length - i);
+        box.link(target, end - 1, end);
+    }
+    deck.add_slide().shape(Shape().text(box));
+    return deck.image();
+}
+
 // Three bytes in UTF-8, so that the first 1023 units do not fit.
 Bytes links_over_wide_characters(std::size_t count) {
     return text_with_links(count,
@@ -128,114 +141,24 @@ Bytes many_short_texts(std::size_t count) {
     return deck.image();
 }
 
-Bytes ole_source() {
-    return file_moniker({"C:\\old\\book.xls"});
-}
-
-Bytes many_ole_objects(std::size_t count) {
-    const Bytes record = storage_record(ole_storage(linked_object({{}, ole_source()})), true);
-    Deck deck;
-    std::vector<std::uint32_t> objects;
-    for (std::size_t i = 0; i < count; ++i) {
-        objects.push_back(deck.ole_link(record));
-    }
-    show(deck, objects);
-    return deck.image();
-}
-
-// Different ids, all at one large storage.
-Bytes ole_objects_sharing_a_storage(std::size_t count) {
-    constexpr std::uint32_t kOffset = 8;
-    constexpr std::uint32_t kFirstId = 10;
-    Streams streams = linked_object({{}, ole_source()});
-    streams[u"Contents"] = Bytes(10 * count, 1);
-    Deck deck;
-    deck.loose_bytes(join({Bytes(kOffset), storage_record(ole_storage(streams), false)}));
-    std::vector<std::uint32_t> objects;
-    for (std::uint32_t i = 0; i < count; ++i) {
-        objects.push_back(deck.next_object_id());
-        deck.external_object(external_ole_link(objects.back(), kFirstId + i));
-        deck.directory_entry({kFirstId + i, kOffset});
-    }
-    show(deck, objects);
-    return deck.image();
-}
-
-// A thousand times as large as it looks.
-Bytes storage_of_zeros(std::size_t count) {
-    Streams streams = linked_object({{}, ole_source()});
-    streams[u"Contents"] = Bytes(count);
-    Deck deck;
-    const std::uint32_t object[] = {deck.ole_link(storage_record(ole_storage(streams), true))};
-    show(deck, object);
-    return deck.image();
-}
-
-Bytes storage_claiming_4_gigabytes(std::size_t count) {
-    Streams streams = linked_object({{}, ole_source()});
-    streams[u"Contents"] = Bytes(count);
-    Deck deck;
-    const std::uint32_t object[] = {
-        deck.ole_link(storage_record_claiming(ole_storage(streams), 0xFFFFFFFF))};
-    show(deck, object);
-    return deck.image();
-}
-
-// The OLE stream claims all that the format allows, and its first moniker as much.
-Bytes moniker_claiming_2_gigabytes(std::size_t count) {
-    Bytes stream = ole_stream({{}, ole_source()});
-    constexpr std::size_t kRelativeSize = 20;
-    stream.resize(kRelativeSize + 4 + count);
-    bytes::store_u32(stream, kRelativeSize, 0x7FFFFF00);
-    Bytes image = ole_storage({{kOleStreamName, stream}});
-    const Bytes name = utf16(kOleStreamName);
-    const auto entry = std::search(image.begin(), image.end(), name.begin(), name.end());
-    constexpr std::ptrdiff_t kSize = 120; // in a directory entry
-    bytes::store_u32(image, static_cast<std::size_t>(entry - image.begin() + kSize), 0x7FFFFFFF);
-    Deck deck;
-    const std::uint32_t object[] = {deck.ole_link(storage_record(image, false))};
-    show(deck, object);
-    return deck.image();
-}
-
-Bytes moniker_of_many_items(std::size_t count) {
-    Bytes parts = ole_source();
-    const Bytes item = item_moniker("a");
-    for (std::size_t i = 0; i < count; ++i) {
-        bytes::append(parts, item);
-    }
-    Bytes moniker = composite_moniker({ole_source(), item});
-    constexpr std::size_t kClassAndCount = 20;
-    moniker.resize(kClassAndCount);
-    bytes::store_u32(moniker, 16, static_cast<std::uint32_t>(count + 1));
-    bytes::append(moniker, parts);
-    Deck deck;
-    const std::uint32_t object[] = {
-        deck.ole_link(storage_record(ole_storage(linked_object({{}, moniker})), false))};
-    show(deck, object);
-    return deck.image();
-}
-
-constexpr std::size_t kUnpacked = 75000000; // more memory than there is for so small a file
-
 constexpr Family kFamilies[] = {
-    {"HyperlinksUsedOnce", hyperlinks_used_once, kMost},
-    {"HyperlinksWithoutTarget", hyperlinks_without_target, kMost},
-    {"HyperlinksWithAShortTarget", hyperlinks_with_a_short_target, kMost},
-    {"HyperlinkUsedOften", hyperlink_used_often, kMost},
-    {"LongHyperlinkUsedOften", long_hyperlink_used_often, kMost / 4},
-    {"VideoListWithManyVideos", video_list_with_many_videos, kMost / 4},
+    {"HyperlinksUsedOnce", hyperlinks_used_once, kMost, {}, {0, 8140}},
+    {"HyperlinksWithoutTarget", hyperlinks_without_target, kMost, {}, {0, 8140}},
+    {"HyperlinksWithAShortTarget", hyperlinks_with_a_short_target, kMost, {}, {0, 8140}},
+    {"HyperlinkUsedOften", hyperlink_used_often, kMost, {}, {0, 8140}},
+    {"LongHyperlinkUsedOften", long_hyperlink_used_often, kMost / 4, {}, {0, 8140}},
+    {"VideoListWithManyVideos", video_list_with_many_videos, kMost / 4, {}, {0, 8140}},
     {"LinksOverOneText", links_over_one_text, kMost / 25},
     {"LinksOverParagraphMarks", links_over_paragraph_marks, kMost / 25},
     {"LinksOverWideCharacters", links_over_wide_characters, kMost / 25},
     {"LinksWithoutRanges", links_without_ranges, kMost / 25},
     {"ManyShortTexts", many_short_texts, kMost / 10},
-    {"ManyOleObjects", many_ole_objects, kMost / 100},
-    {"OleObjectsSharingAStorage", ole_objects_sharing_a_storage, kMost / 10},
-    {"StorageOfZeros", storage_of_zeros, kUnpacked},
-    {"StorageClaiming4Gigabytes", storage_claiming_4_gigabytes, kUnpacked},
-    {"MonikerClaiming2Gigabytes", moniker_claiming_2_gigabytes, kMost},
-    {"MonikerOfManyItems", moniker_of_many_items, kMost},
+    {"ReplacedLinksOverOneText", links_over_one_text, kMost / 25, {}, {}, {}, "ht"},
+    {"ReplacedLinksOverParagraphMarks", links_over_paragraph_marks, kMost / 25, {}, {}, {}, "ht"},
+    {"ReplacedLinksBackwards", links_backwards_over_paragraph_marks, 1000, {}, {}, {}, "ht"},
+    {"ReplacedLinksOverWideCharacters", links_over_wide_characters, kMost / 25, {}, {}, {}, "ht"},
+    {"ReplacedLinksWithoutRanges", links_without_ranges, kMost / 25, {}, {}, {}, "ht"},
+    {"ReplacedManyShortTexts", many_short_texts, kMost / 10, {}, {}, {}, "ht"},
 };
 
 } // namespace

@@ -51,12 +51,30 @@ std::string link_id_name(std::size_t number) {
     return "MORVANE-LINK-ID=" + std::to_string(number) + "%%";
 }
 
-Bytes values_at_one_offset(std::size_t count) {
+std::vector<std::string> link_id_names(std::size_t count) {
     std::vector<std::string> names;
     for (std::size_t i = 0; i < count; ++i) {
         names.push_back(link_id_name(i));
     }
-    return sharing_a_value(names, raw_stream::lpstr(std::string(40 * count, 'x')), 1);
+    return names;
+}
+
+Bytes values_at_one_offset(std::size_t count) {
+    return sharing_a_value(link_id_names(count), raw_stream::lpstr(std::string(40 * count, 'x')),
+                           1);
+}
+
+Bytes clipboard_values_at_one_offset(std::size_t count) {
+    Bytes value = blob_value(Bytes(40 * count));
+    constexpr std::uint32_t kClipboard = 71;
+    bytes::store_u32(value, 0, kClipboard);
+    return sharing_a_value(link_id_names(count), value, 1);
+}
+
+Bytes ended_texts_at_one_offset(std::size_t count) {
+    std::u16string text(20 * count, u'x');
+    text.front() = 0;
+    return sharing_a_value(link_id_names(count), raw_stream::lpwstr(text), 1);
 }
 
 Bytes lists_at_one_offset(std::size_t count) {
@@ -135,8 +153,10 @@ Bytes listed_hyperlinks(std::size_t count) {
 }
 
 constexpr Family kFamilies[] = {
-    {"ValuesAtOneOffset", values_at_one_offset, kMost / 10},
-    {"ListsAtOneOffset", lists_at_one_offset, kMost / 10},
+    {"ValuesAtOneOffset", values_at_one_offset, kMost / 10, {7280}, {7280}},
+    {"ClipboardValuesAtOneOffset", clipboard_values_at_one_offset, kMost / 10, {7280}, {7280}},
+    {"EndedTextsAtOneOffset", ended_texts_at_one_offset, kMost / 10, {}, {8140}},
+    {"ListsAtOneOffset", lists_at_one_offset, kMost / 10, {}, {8140}},
     {"ListsBetweenIds", lists_between_ids, kMost / 20},
     {"LinkIds", link_ids, kMost / 10},
     {"NamesWithoutCharacters", names_without_characters, kMost},

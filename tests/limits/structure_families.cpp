@@ -193,18 +193,18 @@ Bytes slides_that_are_not_there(std::size_t count) {
 }
 
 constexpr Family kFamilies[] = {
-    {"UserEditChain", user_edit_chain, kMost / 4},
-    {"UserEditCycle", user_edit_cycle, kMost / 4},
-    {"OverlappingUserEdits", overlapping_user_edits, kMost},
-    {"NestedGroups", nested_groups, kMost},
+    {"UserEditChain", user_edit_chain, kMost / 4, {}, {8140}},
+    {"UserEditCycle", user_edit_cycle, kMost / 4, {8140}, {}, {8140}},
+    {"OverlappingUserEdits", overlapping_user_edits, kMost, {8140}, {}, {8140}},
+    {"NestedGroups", nested_groups, kMost, {8140}},
     {"ShapesBesideEachOther", shapes_beside_each_other, kMost / 4},
     {"DirectoryNamingOneObject", directory_naming_one_object, kMost},
     {"IdsSharingAnObject", ids_sharing_an_object, kMost},
     {"SlideListNamingASmallSlide", slide_list_naming_a_small_slide, kMost},
-    {"SlideListNamingALargeSlide", slide_list_naming_a_large_slide, kMost / 4},
-    {"SlideListNamingATextAFewTimes", slide_list_naming_a_text_a_few_times, 10 * kMost},
-    {"SlideListNamingTagsAFewTimes", slide_list_naming_tags_a_few_times, kMost / 4},
-    {"SlidesThatAreNotThere", slides_that_are_not_there, kMost / 4},
+    {"SlideListNamingALargeSlide", slide_list_naming_a_large_slide, kMost / 4, {8140}, {}, {8140}},
+    {"SlideListNamingATextAFewTimes", slide_list_naming_a_text_a_few_times, 10 * kMost, {8140}},
+    {"SlideListNamingTagsAFewTimes", slide_list_naming_tags_a_few_times, kMost / 4, {8140}},
+    {"SlidesThatAreNotThere", slides_that_are_not_there, kMost / 4, {5650}},
 };
 
 } // namespace
