@@ -152,7 +152,8 @@ Bytes storage_of_directory_entries(std::size_t count) {
     Bytes entries;
     for (std::size_t i = 0; i < count; ++i) {
         const std::string number = std::to_string(100000000 + i);
-        Bytes entry = utf16(std::u16string(22, u'x') + std::u16string(number.begin(), number.end()));
+        Bytes entry =
+            utf16(std::u16string(22, u'x') + std::u16string(number.begin(), number.end()));
         entry.resize(kEntry);
         bytes::store_u32(entry, 64, 0x00020040); // a stream; its name takes 64 bytes
         bytes::store_u32(entry, kLeft, kNone);
