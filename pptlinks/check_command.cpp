@@ -45,7 +45,7 @@ void append_text(std::string& out, const Listing& listing) {
 // Whether all of the file could be read and nothing that it links to is missing.
 bool check_file(const Session& session, const std::string& file, const std::string& name,
                 bool json) {
-    const Listing listing = read_listing(session, file, name, true);
+    const Listing listing = read_listing(session, file, name);
     std::string out;
     if (json) {
         append_json(out, listing);

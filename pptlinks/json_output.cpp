@@ -68,24 +68,37 @@ std::string dump(const Unread& unread) {
 
 } // namespace
 
-// Links are written one by one: a tree of all of them would be many times the size of the output.
-void append_json(std::string& out, const Listing& listing) {
-    out += "{\"file\":" + dump(listing.file);
-    out += ",\"status\":" + std::to_string(listing.status);
-    out += ",\"unread\":" + dump(listing.unread);
-    out += ",\"target_file_id\":" + dump(text_or_null(listing.target_file_id));
+void append_json_head(std::string& out, const JsonHead& head) {
+    out += "{\"file\":" + dump(head.file);
+    out += ",\"status\":" + std::to_string(head.status);
+    out += ",\"unread\":" + dump(head.unread);
+    out += ",\"target_file_id\":" + dump(text_or_null(head.target_file_id));
     out += ",\"links\":[";
-    for (std::size_t i = 0; i < listing.links.size(); ++i) {
-        if (i > 0) {
-            out.push_back(',');
-        }
-        Json link = link_object(listing.links[i], i);
-        if (!listing.targets.empty()) {
-            add_target(link, listing.targets[i]);
-        }
-        out += dump(link);
+}
+
+// Links are written one by one: a tree of all of them would be many times the size of the output.
+void append_json_link(std::string& out, const Link& link, std::size_t index, const Target* target) {
+    if (index > 0) {
+        out.push_back(',');
     }
+    Json object = link_object(link, index);
+    if (target != nullptr) {
+        add_target(object, *target);
+    }
+    out += dump(object);
+}
+
+void append_json_end(std::string& out) {
     out += "]}\n";
+}
+
+void append_json(std::string& out, const Listing& listing) {
+    append_json_head(out, {listing.file, listing.status, listing.unread, listing.target_file_id});
+    for (std::size_t i = 0; i < listing.links.size(); ++i) {
+        const Target* target = listing.targets.empty() ? nullptr : &listing.targets[i];
+        append_json_link(out, listing.links[i], i, target);
+    }
+    append_json_end(out);
 }
 
 } // namespace pptlinks

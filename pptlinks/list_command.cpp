@@ -1,54 +1,121 @@
 #include "pptlinks/list_command.h"
 
+#include "pptlinks/file_names.h"
 #include "pptlinks/json_output.h"
 #include "pptlinks/output.h"
 #include "pptlinks/terminal_text.h"
 #include "pptlinks/text_encoding.h"
 #include "pptlinks/text_table.h"
 
+#include <cstdint>
+#include <optional>
+#include <string>
+
 namespace pptlinks {
 
 namespace {
 
-std::string summary(const Listing& listing) {
-    const std::size_t count = listing.links.size();
-    std::string line = terminal_text_from_utf8(listing.file) + ": ";
-    line += count == 0 ? "no links" : counted(count, "link");
-    if (listing.target_file_id) {
-        line += ", id " + *listing.target_file_id;
+// Links are asked for, shown and forgotten one by one: a path may be long and have many uses.
+class FileListing {
+  public:
+    FileListing(const Session& session, const std::string& file, bool json)
+        : file_(file)
+        , json_(json)
+        , presentation_(session, file_name(file).ansi) {
+        complain_of(presentation_.unread(), file);
+        measure();
     }
-    return line + summary_of(listing.unread) + '\n';
+
+    void print_all();
+    bool is_whole() const { return presentation_.unread().count == 0; }
+
+  private:
+    void measure();
+    void add_row(const Link& link, std::int32_t index);
+    std::string summary() const;
+    void print_table();
+    void print_json();
+
+    const std::string& file_;
+    bool json_;
+    LoadedPresentation presentation_;
+    TextTable table_{{{"INDEX", true}, {"KIND"}, {"PAGE"}, {"PATH"}, {"ID", true}, {"TEXT"}}};
+};
+
+// A link that cannot be had fails the file here, before anything of it is printed.
+void FileListing::measure() {
+    for (std::int32_t i = 0; i < presentation_.link_count(); ++i) {
+        const Link link = presentation_.link(i);
+        if (!json_) {
+            add_row(link, i);
+            table_.measure_row();
+        }
+    }
 }
 
-void append_table(std::string& out, const Listing& listing) {
-    out += summary(listing);
-    if (listing.links.empty()) {
-        return;
+void FileListing::add_row(const Link& link, std::int32_t index) {
+    table_.add(std::string_view(std::to_string(index)));
+    table_.add(name_of(link.kind));
+    table_.add(link.page.empty() ? kNone : std::string_view(link.page));
+    table_.add(wide_from_ansi(link.path));
+    table_.add(link.id ? std::string_view(*link.id) : kNone);
+    table_.add(wide_from_ansi(link.text));
+}
+
+std::string FileListing::summary() const {
+    const auto count = static_cast<std::size_t>(presentation_.link_count());
+    std::string line = terminal_text_from_utf8(file_) + ": ";
+    line += count == 0 ? "no links" : counted(count, "link");
+    if (const std::optional<std::string> id = presentation_.target_file_id()) {
+        line += ", id " + *id;
     }
-    TextTable table({{"INDEX", true}, {"KIND"}, {"PAGE"}, {"PATH"}, {"ID", true}, {"TEXT"}});
-    for (std::size_t i = 0; i < listing.links.size(); ++i) {
-        const Link& link = listing.links[i];
-        table.add(std::string_view(std::to_string(i)));
-        table.add(name_of(link.kind));
-        table.add(link.page.empty() ? kNone : std::string_view(link.page));
-        table.add(wide_from_ansi(link.path));
-        table.add(link.id ? std::string_view(*link.id) : kNone);
-        table.add(wide_from_ansi(link.text));
+    return line + summary_of(presentation_.unread()) + '\n';
+}
+
+void FileListing::print_table() {
+    std::string out = summary();
+    if (presentation_.link_count() > 0) {
+        table_.append_titles_to(out);
     }
-    table.append_to(out);
+    for (std::int32_t i = 0; i < presentation_.link_count(); ++i) {
+        add_row(presentation_.link(i), i);
+        table_.append_row_to(out);
+        print_when_large(out);
+    }
+    print(out);
+}
+
+void FileListing::print_json() {
+    std::string out;
+    append_json_head(out, {file_, 0, presentation_.unread(), presentation_.target_file_id()});
+    for (std::int32_t i = 0; i < presentation_.link_count(); ++i) {
+        append_json_link(out, presentation_.link(i), static_cast<std::size_t>(i), nullptr);
+        print_when_large(out);
+    }
+    append_json_end(out);
+    print(out);
+}
+
+void FileListing::print_all() {
+    json_ ? print_json() : print_table();
 }
 
 // Whether everything in the file was listed.
 bool list_file(const Session& session, const std::string& file, bool json) {
-    const Listing listing = read_listing(session, file, file, false);
-    std::string out;
-    if (json) {
-        append_json(out, listing);
-    } else if (listing.status == 0) {
-        append_table(out, listing);
+    std::optional<FileListing> listing;
+    try {
+        listing.emplace(session, file, json);
+    } catch (const StatusFailure& failure) {
+        const Listing failed = failed_listing(failure, file);
+        std::string out;
+        if (json) {
+            append_json(out, failed);
+        }
+        print(out);
+        return false;
     }
-    print(out);
-    return listing.status == 0 && listing.unread.count == 0;
+    listing->print_all();
+    return listing->is_whole();
 }
 
 } // namespace

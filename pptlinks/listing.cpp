@@ -6,8 +6,7 @@
 
 namespace pptlinks {
 
-Listing read_listing(const Session& session, const std::string& file, const std::string& name,
-                     bool looks_up_targets) {
+Listing read_listing(const Session& session, const std::string& file, const std::string& name) {
     try {
         Listing listing;
         listing.file = file;
@@ -17,17 +16,19 @@ Listing read_listing(const Session& session, const std::string& file, const std:
         complain_of(listing.unread, file);
         listing.target_file_id = presentation.target_file_id();
         listing.links = presentation.links();
-        if (looks_up_targets) {
-            listing.targets = look_up_targets(listing.links, path);
-        }
+        listing.targets = look_up_targets(listing.links, path);
         return listing;
     } catch (const StatusFailure& failure) {
-        complain(sentence(failure, {file, {}}));
-        Listing failed;
-        failed.file = file;
-        failed.status = failure.status;
-        return failed;
+        return failed_listing(failure, file);
     }
+}
+
+Listing failed_listing(const StatusFailure& failure, const std::string& file) {
+    complain(sentence(failure, {file, {}}));
+    Listing failed;
+    failed.file = file;
+    failed.status = failure.status;
+    return failed;
 }
 
 std::string counted(std::size_t count, const std::string& noun) {

@@ -1,4 +1,4 @@
-// The links of one presentation, as `list` and `check` show them.
+// The links of one presentation with their targets, as `check` shows them.
 #pragma once
 
 #include "pptlinks/session.h"
@@ -20,15 +20,16 @@ struct Listing {
     Unread unread;
     std::optional<std::string> target_file_id;
     std::vector<Link> links;
-    std::vector<Target> targets; // of a check: one for each link
+    std::vector<Target> targets; // one for each link
 };
 
-// Loads the presentation `file`, whose absolute name is `name`. A file that fails is complained of
-// and gives a listing with its status and no links; so is everything in it that could not be read.
-// With `looks_up_targets` the listing tells where
-// the targets lie, and the process's current directory becomes the presentation's folder.
-Listing read_listing(const Session& session, const std::string& file, const std::string& name,
-                     bool looks_up_targets);
+// Loads the presentation `file`, whose absolute name is `name`, and looks its targets up: the
+// process's current directory becomes the presentation's folder. A file that fails is complained of
+// and gives a listing with its status and no links; what could not be read of it is complained of.
+Listing read_listing(const Session& session, const std::string& file, const std::string& name);
+
+// Complains of a file that failed; gives its listing.
+Listing failed_listing(const StatusFailure& failure, const std::string& file);
 
 // "1 link", "2 links".
 std::string counted(std::size_t count, const std::string& noun);

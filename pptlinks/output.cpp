@@ -14,6 +14,14 @@ void print(const std::string& text) {
     }
 }
 
+void print_when_large(std::string& text) {
+    constexpr std::size_t kLarge = std::size_t{64} * 1024;
+    if (text.size() >= kLarge) {
+        print(text);
+        text.clear();
+    }
+}
+
 void complain(const std::string& line) {
     std::fprintf(stderr, "%s\n", line.c_str());
 }

@@ -17,6 +17,11 @@ constexpr std::string_view kGap = "  ";
 TextTable::TextTable(std::vector<TableColumn> columns)
     : columns_(std::move(columns))
     , widths_(columns_.size()) {
+    add_titles();
+    measure_row();
+}
+
+void TextTable::add_titles() {
     for (const TableColumn& column : columns_) {
         add(column.title);
     }
@@ -34,9 +39,19 @@ void TextTable::add(std::string_view text) {
 }
 
 void TextTable::add_cell(std::size_t start, std::size_t columns) {
-    std::size_t& width = widths_[cells_.size() % columns_.size()];
-    width = std::max(width, std::min(columns, kWidestPadding));
     cells_.push_back({start, text_.size() - start, columns});
+}
+
+void TextTable::end_row() {
+    cells_.clear();
+    text_.clear();
+}
+
+void TextTable::measure_row() {
+    for (std::size_t i = 0; i < cells_.size(); ++i) {
+        widths_[i] = std::max(widths_[i], std::min(cells_[i].columns, kWidestPadding));
+    }
+    end_row();
 }
 
 void TextTable::append_cell(std::string& out, const Cell& cell, std::size_t column) const {
@@ -54,15 +69,18 @@ void TextTable::append_cell(std::string& out, const Cell& cell, std::size_t colu
     }
 }
 
-void TextTable::append_to(std::string& out) const {
+void TextTable::append_row_to(std::string& out) {
     for (std::size_t i = 0; i < cells_.size(); ++i) {
-        const std::size_t column = i % columns_.size();
-        append_cell(out, cells_[i], column);
-        if (column + 1 == columns_.size()) {
-            out.erase(out.find_last_not_of(' ') + 1);
-            out.push_back('\n');
-        }
+        append_cell(out, cells_[i], i);
     }
+    out.erase(out.find_last_not_of(' ') + 1);
+    out.push_back('\n');
+    end_row();
+}
+
+void TextTable::append_titles_to(std::string& out) {
+    add_titles();
+    append_row_to(out);
 }
 
 } // namespace pptlinks

@@ -1,5 +1,7 @@
 // A table of text: columns padded with blanks to their widest cell, so that a person can read down
 // them. Cells hold terminal text (terminal_text.h).
+//
+// The table keeps one row at a time. All rows are made twice: to be measured, then to be written.
 #pragma once
 
 #include "pptlinks/failure.h"
@@ -20,13 +22,16 @@ class TextTable {
   public:
     explicit TextTable(std::vector<TableColumn> columns);
 
-    // Cells are added row by row, as many in each as there are columns.
+    // The next cell of the row, of which there are as many as columns.
     void add(WideView text);
     // ASCII.
     void add(std::string_view text);
 
-    // Title line and rows. A cell wider than 60 columns moves the rest of its own row only.
-    void append_to(std::string& out) const;
+    // Each of these ends the row. A cell wider than 60 columns moves the rest of its own row only.
+    void measure_row();
+    void append_row_to(std::string& out);
+
+    void append_titles_to(std::string& out);
 
   private:
     struct Cell {
@@ -35,12 +40,14 @@ class TextTable {
         std::size_t columns;
     };
 
+    void add_titles();
     void add_cell(std::size_t start, std::size_t columns);
     void append_cell(std::string& out, const Cell& cell, std::size_t column) const;
+    void end_row();
 
     std::vector<TableColumn> columns_;
     std::vector<std::size_t> widths_;
-    std::vector<Cell> cells_; // the title row first
+    std::vector<Cell> cells_; // of the row
     std::string text_;
 };
 

@@ -37,29 +37,40 @@ TEST(TerminalText, ShowsWhatWouldActOnTheTerminal) {
     EXPECT_EQ(terminal_text_from_utf8("one\ntwo"), "one\\x0Atwo");
 }
 
-TEST(TextTable, ColumnsLineUpByWhatIsSeen) {
-    TextTable table({{"N", true}, {"PATH"}, {"TEXT"}});
-    table.add(std::string_view("1"));
-    table.add(WideView(WIDE("\u4E2D\u6587")));
-    table.add(std::string_view("x"));
-    table.add(std::string_view("10"));
-    table.add(WideView(WIDE("a\u0301\x1B")));
-    table.add(std::string_view(""));
+using Row = std::vector<WideView>;
+
+std::string table_of(const std::vector<TableColumn>& columns, const std::vector<Row>& rows) {
+    TextTable table(columns);
+    const auto add = [&](const Row& row) {
+        for (const WideView cell : row) {
+            table.add(cell);
+        }
+    };
     std::string out;
-    table.append_to(out);
-    EXPECT_EQ(out, " N  PATH   TEXT\n"
-                   " 1  \u4E2D\u6587   x\n"
-                   "10  a\u0301\\x1B\n");
+    for (const Row& row : rows) {
+        add(row);
+        table.measure_row();
+    }
+    table.append_titles_to(out);
+    for (const Row& row : rows) {
+        add(row);
+        table.append_row_to(out);
+    }
+    return out;
+}
+
+TEST(TextTable, ColumnsLineUpByWhatIsSeen) {
+    EXPECT_EQ(
+        table_of({{"N", true}, {"PATH"}, {"TEXT"}}, {{WIDE("1"), WIDE("\u4E2D\u6587"), WIDE("x")},
+                                                     {WIDE("10"), WIDE("a\u0301\x1B"), WIDE("")}}),
+        " N  PATH   TEXT\n"
+        " 1  \u4E2D\u6587   x\n"
+        "10  a\u0301\\x1B\n");
 }
 
 TEST(TextTable, OneLongCellDoesNotWidenTheOthers) {
-    TextTable table({{"A"}, {"B"}});
-    table.add(std::string_view(std::string(200, 'x')));
-    table.add(std::string_view("1"));
-    table.add(std::string_view("y"));
-    table.add(std::string_view("2"));
-    std::string out;
-    table.append_to(out);
+    const WideString wide(200, WIDE('x'));
+    const std::string out = table_of({{"A"}, {"B"}}, {{wide, WIDE("1")}, {WIDE("y"), WIDE("2")}});
     EXPECT_NE(out.find("y" + std::string(61, ' ') + "2\n"), std::string::npos);
 }
 
