@@ -6,13 +6,20 @@
 #include <stdexcept>
 #include <string>
 
-// Removes what is there, also what is read-only, as copies of read-only files are on Windows.
+// Removes what is there, also what is read-only, as copies of read-only files are on Windows. A
+// drive is only emptied.
 inline void remove_folder(const std::filesystem::path& folder) {
     std::error_code ignored;
 #if defined(_WIN32)
     for (const auto& entry : std::filesystem::recursive_directory_iterator(folder, ignored)) {
         std::filesystem::permissions(entry.path(), std::filesystem::perms::owner_write,
                                      std::filesystem::perm_options::add, ignored);
+    }
+    if (folder == folder.root_path()) {
+        for (const auto& entry : std::filesystem::directory_iterator(folder, ignored)) {
+            std::filesystem::remove_all(entry.path(), ignored);
+        }
+        return;
     }
 #endif
     std::filesystem::remove_all(folder, ignored);
