@@ -280,8 +280,12 @@ TEST_F(CompoundFile, MissingElementsAndFilesHaveTheirCodes) {
     ASSERT_EQ(open(true, root), 0);
     ComPtr<IStorage> sub;
     ComPtr<IStream> data;
+#if defined(_WIN32) // which opens a storage in another for one user only
+    EXPECT_EQ(j_openSubStorage(root.get(), WIDE("Sub"), true, sub.put()), 8350);
+#else
     EXPECT_EQ(j_openSubStorage(root.get(), WIDE("Sub"), true, sub.put()), 0);
     EXPECT_EQ(j_openSubStorage(root.get(), WIDE("Gone"), true, sub.put()), 7295);
+#endif
     EXPECT_EQ(j_openStream(root.get(), WIDE("Gone"), true, data.put()), 7295);
     EXPECT_EQ(error_params(), Texts({kDocument, "Gone"}));
 }
