@@ -7,6 +7,8 @@
 #include "platform/compound_file/sector_io.h"
 #include "platform/compound_file/stream_node.h"
 
+#include <algorithm>
+
 namespace compound_file {
 
 using platform::Errc;
@@ -56,7 +58,7 @@ Engine::Engine(std::unique_ptr<Backing> backing, Access access, const Header& he
     , minis_(geometry_)
     , directory_(geometry_) {
     sectors_.load(*backing_, header_);
-    require_distinct_metadata();
+    require_metadata_within_file();
     load_directory();
     const Entry& root = directory_.at(kRoot);
     minis_.load(*backing_, sectors_, header_, root.first, root.size);
@@ -69,31 +71,21 @@ Engine::Engine(std::unique_ptr<Backing> backing, Access access, const Header& he
 
 // FAT, mini FAT and directory take more memory than their sectors do in the file. A file that makes
 // each of its sectors all of them is no reason to take their sum for it.
-void Engine::require_distinct_metadata() const {
-    SectorSet seen(sectors_.size());
-    const auto require_new = [&seen](Sector sector) {
-        if (seen.contains(sector)) {
-            throw Error(Errc::corrupt,
-                        "sector " + std::to_string(sector) +
-                            " has two owners among FAT, mini FAT and directory, allowed is one");
-        }
-        seen.insert(sector);
+void Engine::require_metadata_within_file() const {
+    const auto chain_length = [this](Sector first) {
+        return std::uint64_t{sectors_.chain_length(first, sectors_.size())};
     };
-    const auto require_new_chain = [&](Sector first) {
-        const std::uint32_t count = sectors_.chain_length(first, sectors_.size());
-        Sector at = first;
-        for (std::uint32_t i = 0; i < count; ++i, at = sectors_.next(at)) {
-            require_new(at);
-        }
-    };
-    for (const Sector sector : sectors_.fat_sectors()) {
-        if (sectors_.holds(sector)) {
-            require_new(sector);
-        }
-    }
-    require_new_chain(header_.first_directory);
+    const std::vector<Sector>& fat = sectors_.fat_sectors();
+    std::uint64_t metadata = static_cast<std::uint64_t>(std::count_if(
+        fat.begin(), fat.end(), [this](Sector sector) { return sectors_.holds(sector); }));
+    metadata += chain_length(header_.first_directory);
     if (header_.mini_fat_sectors > 0) {
-        require_new_chain(header_.first_mini_fat);
+        metadata += chain_length(header_.first_mini_fat);
+    }
+    if (metadata > sectors_.size()) {
+        throw Error(Errc::corrupt, "FAT, mini FAT and directory of " + std::to_string(metadata) +
+                                       " sectors, allowed are the " +
+                                       std::to_string(sectors_.size()) + " of the file");
     }
 }
 

@@ -57,7 +57,7 @@ class Engine final : public CompoundFile {
     void link_minis(const Pick& pick);
 
   private:
-    void require_distinct_metadata() const;
+    void require_metadata_within_file() const;
     void load_directory();
     void require_entry(EntryId entry) const;
     void require_storage(EntryId entry) const;
