@@ -82,10 +82,11 @@ void Engine::require_metadata_within_file() const {
     if (header_.mini_fat_sectors > 0) {
         metadata += chain_length(header_.first_mini_fat);
     }
-    if (metadata > sectors_.size()) {
+    const std::uint64_t present = geometry_.sectors_in(backing_->size());
+    if (metadata > present) {
         throw Error(Errc::corrupt, "FAT, mini FAT and directory of " + std::to_string(metadata) +
-                                       " sectors, allowed are the " +
-                                       std::to_string(sectors_.size()) + " of the file");
+                                       " sectors, allowed are the " + std::to_string(present) +
+                                       " of the file");
     }
 }
 
