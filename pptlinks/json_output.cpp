@@ -76,7 +76,6 @@ void append_json_head(std::string& out, const JsonHead& head) {
     out += ",\"links\":[";
 }
 
-// Links are written one by one: a tree of all of them would be many times the size of the output.
 void append_json_link(std::string& out, const Link& link, std::size_t index, const Target* target) {
     if (index > 0) {
         out.push_back(',');
@@ -90,15 +89,6 @@ void append_json_link(std::string& out, const Link& link, std::size_t index, con
 
 void append_json_end(std::string& out) {
     out += "]}\n";
-}
-
-void append_json(std::string& out, const Listing& listing) {
-    append_json_head(out, {listing.file, listing.status, listing.unread, listing.target_file_id});
-    for (std::size_t i = 0; i < listing.links.size(); ++i) {
-        const Target* target = listing.targets.empty() ? nullptr : &listing.targets[i];
-        append_json_link(out, listing.links[i], i, target);
-    }
-    append_json_end(out);
 }
 
 } // namespace pptlinks

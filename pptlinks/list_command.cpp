@@ -1,7 +1,7 @@
 #include "pptlinks/list_command.h"
 
-#include "pptlinks/file_names.h"
 #include "pptlinks/json_output.h"
+#include "pptlinks/listing.h"
 #include "pptlinks/output.h"
 #include "pptlinks/terminal_text.h"
 #include "pptlinks/text_encoding.h"
@@ -18,38 +18,27 @@ namespace {
 // Links are asked for, shown and forgotten one by one: a path may be long and have many uses.
 class FileListing {
   public:
-    FileListing(const Session& session, const std::string& file, bool json)
-        : file_(file)
-        , json_(json)
-        , presentation_(session, file_name(file).ansi) {
-        complain_of(presentation_.unread(), file);
-        measure();
-    }
+    FileListing(const LoadedPresentation& presentation, const std::string& file)
+        : presentation_(presentation)
+        , file_(file) {}
 
-    void print_all();
-    bool is_whole() const { return presentation_.unread().count == 0; }
+    void print_table();
+    void print_json();
 
   private:
     void measure();
     void add_row(const Link& link, std::int32_t index);
     std::string summary() const;
-    void print_table();
-    void print_json();
 
+    const LoadedPresentation& presentation_;
     const std::string& file_;
-    bool json_;
-    LoadedPresentation presentation_;
     TextTable table_{{{"INDEX", true}, {"KIND"}, {"PAGE"}, {"PATH"}, {"ID", true}, {"TEXT"}}};
 };
 
-// A link that cannot be had fails the file here, before anything of it is printed.
 void FileListing::measure() {
     for (std::int32_t i = 0; i < presentation_.link_count(); ++i) {
-        const Link link = presentation_.link(i);
-        if (!json_) {
-            add_row(link, i);
-            table_.measure_row();
-        }
+        add_row(presentation_.link(i), i);
+        table_.measure_row();
     }
 }
 
@@ -73,6 +62,7 @@ std::string FileListing::summary() const {
 }
 
 void FileListing::print_table() {
+    measure();
     std::string out = summary();
     if (presentation_.link_count() > 0) {
         table_.append_titles_to(out);
@@ -96,26 +86,15 @@ void FileListing::print_json() {
     print(out);
 }
 
-void FileListing::print_all() {
-    json_ ? print_json() : print_table();
-}
-
 // Whether everything in the file was listed.
 bool list_file(const Session& session, const std::string& file, bool json) {
-    std::optional<FileListing> listing;
-    try {
-        listing.emplace(session, file, json);
-    } catch (const StatusFailure& failure) {
-        const Listing failed = failed_listing(failure, file);
-        std::string out;
-        if (json) {
-            append_json(out, failed);
-        }
-        print(out);
+    const auto presentation = load_to_list(session, file, file, json);
+    if (!presentation) {
         return false;
     }
-    listing->print_all();
-    return listing->is_whole();
+    FileListing listing(*presentation, file);
+    json ? listing.print_json() : listing.print_table();
+    return presentation->unread().count == 0;
 }
 
 } // namespace

@@ -1,35 +1,24 @@
-// The links of one presentation with their targets, as `check` shows them.
+// What `list` and `check` have in common: a file is loaded, its links are shown one by one, and a
+// file that fails is told of in the same form.
 #pragma once
 
 #include "pptlinks/session.h"
-#include "pptlinks/target_check.h"
 
 #include <cstdint>
-#include <optional>
+#include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace pptlinks {
 
 inline constexpr std::string_view kNone = "-"; // in place of a text that is not there
 
-struct Listing {
-    std::string file; // as the user typed it
-    std::int32_t status = 0;
-    Unread unread;
-    std::optional<std::string> target_file_id;
-    std::vector<Link> links;
-    std::vector<Target> targets; // one for each link
-};
-
-// Loads the presentation `file`, whose absolute name is `name`, and looks its targets up: the
-// process's current directory becomes the presentation's folder. A file that fails is complained of
-// and gives a listing with its status and no links; what could not be read of it is complained of.
-Listing read_listing(const Session& session, const std::string& file, const std::string& name);
-
-// Complains of a file that failed; gives its listing.
-Listing failed_listing(const StatusFailure& failure, const std::string& file);
+// Loads the presentation `file`, as the user typed it, whose absolute name is `name`, and complains
+// of what could not be read of it. Every link of what it gives can be had, so nothing fails once
+// the first is printed. Null for a file that fails: that is complained of and, with `json`, printed
+// as an object without links.
+std::unique_ptr<LoadedPresentation> load_to_list(const Session& session, const std::string& file,
+                                                 const std::string& name, bool json);
 
 // "1 link", "2 links".
 std::string counted(std::size_t count, const std::string& noun);

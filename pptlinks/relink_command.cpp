@@ -49,30 +49,33 @@ void require_links(const LoadedPresentation& presentation, const RelinkArguments
     }
 }
 
-void require_separable(const RelinkPlan& plan, const std::string& file) {
-    if (!plan.inseparable.empty()) {
-        throw FileFailure(file, listed(plan.inseparable) +
-                                    " are different videos in one list, which takes a single path "
-                                    "for all of them; leave them out of --set and --map");
+RelinkPlan make_plan(const LoadedPresentation& presentation, const RelinkArguments& arguments) {
+    RelinkPlan plan;
+    for (std::int32_t i = 0; i < presentation.link_count(); ++i) {
+        plan.add(presentation.link(i));
     }
+    plan.apply(path_wishes(arguments));
+    if (!plan.inseparable().empty()) {
+        throw FileFailure(
+            arguments.file,
+            listed(plan.inseparable()) +
+                " are different videos in one list, which takes a single path for all "
+                "of them; leave them out of --set and --map");
+    }
+    return plan;
 }
 
-Changes apply_paths(LoadedPresentation& presentation, const std::vector<Link>& links,
-                    const RelinkPlan& plan) {
-    Changes changes;
-    for (std::size_t i = 0; i < links.size(); ++i) {
-        const std::optional<std::string>& path = plan.new_paths[i];
-        if (!path) {
-            continue;
+// Gives how many links have their new path already; the plan leaves those.
+std::size_t apply_paths(LoadedPresentation& presentation, RelinkPlan& plan) {
+    std::size_t same = 0;
+    for (std::int32_t i = 0; i < presentation.link_count(); ++i) {
+        const std::string* const path = plan.link(i).new_path;
+        if (path != nullptr && !presentation.set_path(i, *path)) {
+            plan.leave(i);
+            ++same;
         }
-        const auto index = static_cast<std::int32_t>(i);
-        if (!presentation.set_path(index, *path)) {
-            ++changes.same;
-            continue;
-        }
-        changes.paths.emplace_back(index, *path);
     }
-    return changes;
+    return same;
 }
 
 void apply_ids(LoadedPresentation& presentation, const RelinkArguments& arguments) {
@@ -106,20 +109,18 @@ int relink(const Session& session, const RelinkArguments& arguments) {
     LoadedPresentation presentation(session, source.ansi);
     complain_of(presentation.unread(), arguments.file);
     require_links(presentation, arguments);
-    const std::vector<Link> links = presentation.links();
-    const RelinkPlan plan = plan_relink(links, path_wishes(arguments));
-    require_separable(plan, arguments.file);
-    Changes changes = apply_paths(presentation, links, plan);
-    changes.unread = presentation.unread();
+    RelinkPlan plan = make_plan(presentation, arguments);
+    Outcome outcome;
+    outcome.same = apply_paths(presentation, plan);
+    outcome.unread = presentation.unread();
     apply_ids(presentation, arguments);
-    changes.not_written = rewrite(presentation, watch, output);
+    outcome.not_written = rewrite(presentation, watch, output);
     output.publish();
-    for (const std::int32_t index : changes.not_written) {
-        const std::string why = why_not_written(links[static_cast<std::size_t>(index)], index);
-        complain(sentence(FileFailure(arguments.out, why)));
+    for (const std::int32_t index : outcome.not_written) {
+        complain(sentence(FileFailure(arguments.out, why_not_written(plan.link(index), index))));
     }
-    print(report(arguments, links, plan, changes));
-    return changes.not_written.empty() && changes.unread.count == 0 ? 0 : kExitFailed;
+    print_report(arguments, plan, outcome);
+    return outcome.not_written.empty() && outcome.unread.count == 0 ? 0 : kExitFailed;
 }
 
 } // namespace

@@ -3,54 +3,29 @@
 #include "pptlinks/failure.h"
 
 #include <algorithm>
+#include <numeric>
+#include <optional>
+#include <tuple>
 
 namespace pptlinks {
 
 namespace {
 
-using Uses = std::vector<std::int32_t>;
-
-// The links in groups that change together, in the order of each group's first link.
-std::vector<Uses> group_uses(std::span<const Link> links) {
-    std::vector<Uses> groups;
-    std::map<std::int32_t, std::size_t> group_of_object;
-    for (std::size_t i = 0; i < links.size(); ++i) {
-        const Link& link = links[i];
-        std::size_t group = groups.size();
-        if (link.object_list_ordinal >= 0) {
-            group = group_of_object.try_emplace(link.object_list_ordinal, group).first->second;
-        }
-        if (group == groups.size()) {
-            groups.emplace_back();
-        }
-        groups[group].push_back(static_cast<std::int32_t>(i));
-    }
-    return groups;
-}
-
-bool are_different_objects(std::span<const Link> links, const Uses& uses) {
-    const auto object = [links](std::int32_t use) {
-        return links[static_cast<std::size_t>(use)].external_object_id;
-    };
-    return std::any_of(uses.begin(), uses.end(),
-                       [&](std::int32_t use) { return object(use) != object(uses.front()); });
-}
-
 // The path that --set gives to the uses, if any.
-std::optional<std::string> set_path(const Uses& uses, const PathWishes& wishes) {
-    std::optional<std::string> path;
+const std::string* path_set_for(std::span<const std::int32_t> uses, const PathWishes& wishes) {
+    const std::string* path = nullptr;
     std::int32_t named = 0;
     for (const std::int32_t use : uses) {
         const auto wish = wishes.paths.find(use);
         if (wish == wishes.paths.end()) {
             continue;
         }
-        if (path && *path != wish->second) {
+        if (path != nullptr && *path != wish->second) {
             throw UsageError("--set: links " + std::to_string(named) + " and " +
                              std::to_string(use) +
                              " are one object and cannot get different paths");
         }
-        path = wish->second;
+        path = &wish->second;
         named = use;
     }
     return path;
@@ -58,33 +33,71 @@ std::optional<std::string> set_path(const Uses& uses, const PathWishes& wishes) 
 
 } // namespace
 
-RelinkPlan plan_relink(std::span<const Link> links, const PathWishes& wishes) {
-    RelinkPlan plan;
-    plan.new_paths.resize(links.size());
-    for (const Uses& uses : group_uses(links)) {
-        std::optional<std::string> path = set_path(uses, wishes);
-        bool all_named = true;
-        for (const std::int32_t use : uses) {
-            const auto mapped = map_path(wishes.maps, links[static_cast<std::size_t>(use)].path);
-            all_named = all_named && (mapped || wishes.paths.contains(use));
-            if (!path) {
-                path = mapped;
-            }
+void RelinkPlan::add(const Link& link) {
+    links_.push_back(
+        {link.kind, link.object_list_ordinal, link.external_object_id, kept(link.path)});
+}
+
+// Objects in the order of the presentation's list of them, the uses of each in the order of the
+// links.
+bool RelinkPlan::is_before(std::int32_t a, std::int32_t b) const {
+    return std::tuple(link(a).object_list_ordinal, a) < std::tuple(link(b).object_list_ordinal, b);
+}
+
+bool RelinkPlan::change_together(std::int32_t a, std::int32_t b) const {
+    const std::int32_t ordinal = link(a).object_list_ordinal;
+    return ordinal >= 0 && ordinal == link(b).object_list_ordinal;
+}
+
+bool RelinkPlan::are_different_objects(Uses uses) const {
+    return std::any_of(uses.begin(), uses.end(), [&](std::int32_t use) {
+        return link(use).external_object_id != link(uses.front()).external_object_id;
+    });
+}
+
+void RelinkPlan::apply(const PathWishes& wishes) {
+    std::vector<std::int32_t> order(links_.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::sort(order.begin(), order.end(),
+              [this](std::int32_t a, std::int32_t b) { return is_before(a, b); });
+    for (std::size_t start = 0; start < order.size();) {
+        std::size_t end = start + 1;
+        while (end < order.size() && change_together(order[start], order[end])) {
+            ++end;
         }
-        if (!path) {
-            continue;
+        apply_to(Uses(order).subspan(start, end - start), wishes);
+        start = end;
+    }
+}
+
+void RelinkPlan::apply_to(Uses uses, const PathWishes& wishes) {
+    const std::string* const set_path = path_set_for(uses, wishes);
+    const std::string* new_path = set_path == nullptr ? nullptr : kept(*set_path);
+    const std::string* looked_at = nullptr;
+    std::optional<std::string> mapped;
+    bool all_named = true;
+    for (const std::int32_t use : uses) {
+        if (looked_at != link(use).path) {
+            looked_at = link(use).path;
+            mapped = map_path(wishes.maps, *looked_at);
         }
-        if (are_different_objects(links, uses)) {
-            plan.inseparable = uses;
-        }
-        for (const std::int32_t use : uses) {
-            plan.new_paths[static_cast<std::size_t>(use)] = path;
-        }
-        if (!all_named) {
-            plan.joined.push_back(uses);
+        all_named = all_named && (mapped || wishes.paths.contains(use));
+        if (new_path == nullptr && mapped) {
+            new_path = kept(*mapped);
         }
     }
-    return plan;
+    if (new_path == nullptr) {
+        return;
+    }
+    for (const std::int32_t use : uses) {
+        at(use).new_path = new_path;
+    }
+    if (are_different_objects(uses)) {
+        inseparable_.assign(uses.begin(), uses.end());
+    }
+    if (!all_named) {
+        joined_.emplace_back(uses.begin(), uses.end());
+    }
 }
 
 } // namespace pptlinks

@@ -1,4 +1,7 @@
 // Which link gets which path: the user's --set and --map applied to the links of a presentation.
+//
+// A path may be long and have a million uses, so the plan keeps each text once. It stays good when
+// the presentation is unloaded.
 #pragma once
 
 #include "pptlinks/arguments.h"
@@ -6,9 +9,9 @@
 
 #include <cstdint>
 #include <map>
-#include <optional>
 #include <span>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 namespace pptlinks {
@@ -18,18 +21,53 @@ struct PathWishes {
     std::vector<PathMapEntry> maps;            // ANSI
 };
 
-struct RelinkPlan {
-    std::vector<std::optional<std::string>> new_paths; // by index; none: nothing was asked
-    // Uses of one object that change together although only some of them were named.
-    std::vector<std::vector<std::int32_t>> joined;
-    // Uses of different objects that the presentation keeps in one list, which takes a single path
-    // for all of them; empty when no such list was to change.
-    std::vector<std::int32_t> inseparable;
+struct PlannedLink {
+    LinkKind kind = LinkKind::hyperlink;
+    std::int32_t object_list_ordinal = -1;
+    std::uint32_t external_object_id = 0;
+    // Texts of the plan, in ANSI.
+    const std::string* path = nullptr;
+    const std::string* new_path = nullptr; // null: nothing was asked
 };
 
-// A path that was set wins over the map. Uses of one external object get one path: the one set for
-// any of them, else the first mapped one. Throws UsageError when two of them are set to different
-// paths. Every index in `wishes` is that of a link.
-RelinkPlan plan_relink(std::span<const Link> links, const PathWishes& wishes);
+class RelinkPlan {
+  public:
+    // The next link of the presentation.
+    void add(const Link& link);
+
+    // A path that was set wins over the map. Uses of one external object get one path: the one set
+    // for any of them, else the first mapped one. Throws UsageError when two of them are set to
+    // different paths. Every index in `wishes` is that of a link.
+    void apply(const PathWishes& wishes);
+
+    // Takes back what was asked for a link.
+    void leave(std::int32_t index) { at(index).new_path = nullptr; }
+
+    const std::vector<PlannedLink>& links() const { return links_; }
+    const PlannedLink& link(std::int32_t index) const {
+        return links_[static_cast<std::size_t>(index)];
+    }
+    // Uses of one object that change together although only some of them were named.
+    const std::vector<std::vector<std::int32_t>>& joined() const { return joined_; }
+    // Uses of different objects that the presentation keeps in one list, which takes a single path
+    // for all of them; empty when no such list was to change.
+    const std::vector<std::int32_t>& inseparable() const { return inseparable_; }
+
+  private:
+    // Indexes of the links that change together, ascending.
+    using Uses = std::span<const std::int32_t>;
+
+    PlannedLink& at(std::int32_t index) { return links_[static_cast<std::size_t>(index)]; }
+    const std::string* kept(const std::string& text) { return &*texts_.insert(text).first; }
+    bool is_before(std::int32_t a, std::int32_t b) const;
+    bool change_together(std::int32_t a, std::int32_t b) const;
+    bool are_different_objects(Uses uses) const;
+    void apply_to(Uses uses, const PathWishes& wishes);
+
+    std::unordered_set<std::string> texts_;
+    std::vector<PlannedLink> links_;
+    std::vector<std::vector<std::int32_t>> joined_;
+    std::vector<std::int32_t> inseparable_;
+};
 
 } // namespace pptlinks

@@ -1,6 +1,7 @@
 #include "pptlinks/relink_report.h"
 
 #include "pptlinks/listing.h"
+#include "pptlinks/output.h"
 #include "pptlinks/terminal_text.h"
 #include "pptlinks/text_encoding.h"
 
@@ -19,67 +20,106 @@ std::string listed(const std::vector<std::int32_t>& indexes) {
 
 namespace {
 
-// Whether the link keeps its old path in the copy. Of a hyperlink that was not written only the
-// displayed text stayed.
-bool keeps_path(const Changes& changes, const std::vector<Link>& links, std::int32_t index) {
-    return links[static_cast<std::size_t>(index)].kind != LinkKind::hyperlink &&
-           std::binary_search(changes.not_written.begin(), changes.not_written.end(), index);
+class Report {
+  public:
+    Report(const RelinkArguments& arguments, const RelinkPlan& plan, const Outcome& outcome)
+        : arguments_(arguments)
+        , plan_(plan)
+        , outcome_(outcome) {}
+
+    void print_all();
+
+  private:
+    // Whether the link keeps its old path in the copy. Of a hyperlink that was not written only the
+    // displayed text stayed.
+    bool keeps_path(std::int32_t index) const;
+    void add_changed_links();
+    void add_joined_links();
+    void add_counts();
+
+    const RelinkArguments& arguments_;
+    const RelinkPlan& plan_;
+    const Outcome& outcome_;
+    std::size_t changed_ = 0;
+    std::string out_;
+};
+
+bool Report::keeps_path(std::int32_t index) const {
+    const std::vector<std::int32_t>& not_written = outcome_.not_written;
+    return plan_.link(index).kind != LinkKind::hyperlink &&
+           std::binary_search(not_written.begin(), not_written.end(), index);
 }
 
-std::string counts(const RelinkArguments& arguments, const std::vector<Link>& links,
-                   const Changes& changes) {
+void Report::add_changed_links() {
+    const auto count = static_cast<std::int32_t>(plan_.links().size());
+    for (std::int32_t index = 0; index < count; ++index) {
+        const PlannedLink& link = plan_.link(index);
+        if (link.new_path == nullptr || keeps_path(index)) {
+            continue;
+        }
+        ++changed_;
+        out_ += std::to_string(index) + ": ";
+        append_terminal_text(out_, wide_from_ansi(*link.path));
+        out_ += " -> ";
+        append_terminal_text(out_, wide_from_ansi(*link.new_path));
+        out_.push_back('\n');
+        print_when_large(out_);
+    }
+}
+
+void Report::add_joined_links() {
+    for (const std::vector<std::int32_t>& uses : plan_.joined()) {
+        if (!keeps_path(uses.front())) {
+            out_ += listed(uses) + " are one object and change together\n";
+            print_when_large(out_);
+        }
+    }
+}
+
+void Report::add_counts() {
+    const std::vector<std::int32_t>& not_written = outcome_.not_written;
     const auto kept = static_cast<std::size_t>(
-        std::count_if(changes.not_written.begin(), changes.not_written.end(),
-                      [&](std::int32_t index) { return keeps_path(changes, links, index); }));
-    const std::size_t kept_texts = changes.not_written.size() - kept;
-    std::string out = terminal_text_from_utf8(arguments.out) + ": " +
-                      std::to_string(changes.paths.size() - kept) + " of " +
-                      counted(links.size(), "link") + " changed";
-    if (changes.same > 0) {
-        out += ", " + std::to_string(changes.same) + " unchanged (same path)";
+        std::count_if(not_written.begin(), not_written.end(),
+                      [this](std::int32_t index) { return keeps_path(index); }));
+    const std::size_t kept_texts = not_written.size() - kept;
+    out_ += terminal_text_from_utf8(arguments_.out) + ": " + std::to_string(changed_) + " of " +
+            counted(plan_.links().size(), "link") + " changed";
+    if (outcome_.same > 0) {
+        out_ += ", " + std::to_string(outcome_.same) + " unchanged (same path)";
     }
     if (kept > 0) {
-        out += ", " + std::to_string(kept) + " unchanged (could not be written)";
+        out_ += ", " + std::to_string(kept) + " unchanged (could not be written)";
     }
     if (kept_texts > 0) {
-        out += ", " + counted(kept_texts, "displayed text") + " unchanged (could not be written)";
+        out_ += ", " + counted(kept_texts, "displayed text") + " unchanged (could not be written)";
     }
-    if (!arguments.ids.empty()) {
-        out += ", " + counted(arguments.ids.size(), "link id") + " set";
+    if (!arguments_.ids.empty()) {
+        out_ += ", " + counted(arguments_.ids.size(), "link id") + " set";
     }
-    if (arguments.target_id) {
-        out += ", id of the presentation set";
+    if (arguments_.target_id) {
+        out_ += ", id of the presentation set";
     }
-    return out + summary_of(changes.unread) + '\n';
+    out_ += summary_of(outcome_.unread) + '\n';
+}
+
+void Report::print_all() {
+    add_changed_links();
+    add_joined_links();
+    add_counts();
+    print(out_);
 }
 
 } // namespace
 
-std::string report(const RelinkArguments& arguments, const std::vector<Link>& links,
-                   const RelinkPlan& plan, const Changes& changes) {
-    std::string out;
-    for (const auto& [index, path] : changes.paths) {
-        if (keeps_path(changes, links, index)) {
-            continue;
-        }
-        out += std::to_string(index) + ": ";
-        append_terminal_text(out, wide_from_ansi(links[static_cast<std::size_t>(index)].path));
-        out += " -> ";
-        append_terminal_text(out, wide_from_ansi(path));
-        out.push_back('\n');
-    }
-    for (const std::vector<std::int32_t>& uses : plan.joined) {
-        if (!keeps_path(changes, links, uses.front())) {
-            out += listed(uses) + " are one object and change together\n";
-        }
-    }
-    return out + counts(arguments, links, changes);
+void print_report(const RelinkArguments& arguments, const RelinkPlan& plan,
+                  const Outcome& outcome) {
+    Report(arguments, plan, outcome).print_all();
 }
 
-std::string why_not_written(const Link& link, std::int32_t index) {
+std::string why_not_written(const PlannedLink& link, std::int32_t index) {
     const std::string which = "link " + std::to_string(index) + " (" +
                               std::string(name_of(link.kind)) + ' ' +
-                              utf8_from_wide(wide_from_ansi(link.path)) + ") ";
+                              utf8_from_wide(wide_from_ansi(*link.path)) + ") ";
     switch (link.kind) {
     case LinkKind::hyperlink:
         return which + "leads to its new path, but the text that shows it could not be changed; "

@@ -201,15 +201,6 @@ Link LoadedPresentation::link(std::int32_t index) const {
     return link;
 }
 
-std::vector<Link> LoadedPresentation::links() const {
-    std::vector<Link> all;
-    all.reserve(static_cast<std::size_t>(link_count()));
-    for (std::int32_t index = 0; index < link_count(); ++index) {
-        all.push_back(link(index));
-    }
-    return all;
-}
-
 std::optional<std::string> LoadedPresentation::target_file_id() const {
     id64 id;
     j_getTargetFileId(0, &id);

@@ -62,7 +62,6 @@ class LoadedPresentation {
     const Unread& unread() const { return unread_; }
     std::int32_t link_count() const;
     Link link(std::int32_t index) const;
-    std::vector<Link> links() const;
     std::optional<std::string> target_file_id() const;
 
     // False when the path stays, but for the case of letters.

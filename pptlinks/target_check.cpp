@@ -3,15 +3,19 @@
 #include "plugin/status.h"
 #include "pptlinks/machine.h"
 #include "pptlinks/messages.h"
+#include "pptlinks/session.h"
 
 #include <algorithm>
-#include <unordered_map>
+#include <utility>
 
 namespace pptlinks {
 
 namespace {
 
 namespace status = ppt::status;
+
+// No more than this is remembered, however many paths a presentation has.
+constexpr std::size_t kMostKnown = 10000;
 
 constexpr const char* kUnmapped = "its drive or share is not known here, name it with --drive";
 constexpr const char* kNoFolder = "the folder of the presentation cannot be reached";
@@ -73,18 +77,18 @@ bool is_address(std::string_view path) {
            std::all_of(scheme.begin(), scheme.end(), is_scheme_character);
 }
 
-std::vector<Target> look_up_targets(std::span<const Link> links, const std::string& ansi_path) {
-    std::unordered_map<std::string, Target> known;
-    std::vector<Target> targets;
-    targets.reserve(links.size());
-    for (const Link& link : links) {
-        const auto [entry, is_new] = known.try_emplace(link.path);
-        if (is_new) {
-            entry->second = look_up(link.path, ansi_path);
-        }
-        targets.push_back(entry->second);
+TargetLookup::TargetLookup(std::string ansi_presentation)
+    : presentation_(std::move(ansi_presentation)) {}
+
+const Target& TargetLookup::target_of(const std::string& path) {
+    const auto known = known_.find(path);
+    if (known != known_.end()) {
+        return known->second;
     }
-    return targets;
+    if (known_.size() >= kMostKnown) {
+        known_.clear();
+    }
+    return known_.emplace(path, look_up(path, presentation_)).first->second;
 }
 
 } // namespace pptlinks

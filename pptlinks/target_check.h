@@ -1,12 +1,9 @@
 // Where the targets of a presentation's links lie, and why those that are not there are not.
 #pragma once
 
-#include "pptlinks/session.h"
-
-#include <span>
 #include <string>
 #include <string_view>
-#include <vector>
+#include <unordered_map>
 
 namespace pptlinks {
 
@@ -37,9 +34,19 @@ struct Target {
 // characters and a colon: no path of a file, though a drive letter looks alike.
 bool is_address(std::string_view path);
 
-// The target of each link as seen from the presentation at `ansi_path`, whose folder becomes the
-// process's current directory. Empty paths and addresses stay unchecked; a path that several links
-// have is looked up once.
-std::vector<Target> look_up_targets(std::span<const Link> links, const std::string& ansi_path);
+// Looks up paths as seen from one presentation, whose folder becomes the process's current
+// directory. Needs a session. It remembers some paths, so that one which many links have is not
+// looked up for each.
+class TargetLookup {
+  public:
+    explicit TargetLookup(std::string ansi_presentation);
+
+    // Empty paths and addresses stay unchecked. The target is good until the next question.
+    const Target& target_of(const std::string& path);
+
+  private:
+    std::string presentation_;
+    std::unordered_map<std::string, Target> known_;
+};
 
 } // namespace pptlinks

@@ -48,12 +48,15 @@ double processor_seconds() {
     return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
 }
 
-// The same path, and an id of its own, for every link.
+// The same path for every link, and an id of its own for as many as the properties have room for.
 void change_all_links() {
+    constexpr std::int32_t kIds = 4000;
     for (std::int32_t i = 0; i < n_getLinkCount(); ++i) {
-        const id64 id{{static_cast<std::uint32_t>(i) + 2, 0}};
         j_setLinkFileName(i, "D:\\new\\target.doc", 0);
-        j_setLinkId(i, 0, &id);
+        if (i < kIds) {
+            const id64 id{{static_cast<std::uint32_t>(i) + 2, 0}};
+            j_setLinkId(i, 0, &id);
+        }
     }
 }
 

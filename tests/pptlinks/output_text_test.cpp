@@ -74,9 +74,17 @@ TEST(TextTable, OneLongCellDoesNotWidenTheOthers) {
     EXPECT_NE(out.find("y" + std::string(61, ' ') + "2\n"), std::string::npos);
 }
 
-Listing hostile_listing() {
-    Listing listing;
-    listing.file = "\xFF\"\\\n.ppt";
+std::string json_of(const std::string& file, const std::vector<Link>& links) {
+    std::string out;
+    append_json_head(out, {file, 0, {}, std::nullopt});
+    for (std::size_t i = 0; i < links.size(); ++i) {
+        append_json_link(out, links[i], i, nullptr);
+    }
+    append_json_end(out);
+    return out;
+}
+
+Link hostile_link() {
     Link link;
     for (int byte = 1; byte < 256; ++byte) {
         link.path.push_back(static_cast<char>(byte));
@@ -84,15 +92,13 @@ Listing hostile_listing() {
     link.text = "\xED\xA0\x80\xF4\x90\x80\x80\x81";
     link.page = "slide 1";
     link.id = "18446744073709551615";
-    listing.links = {link, {}};
-    return listing;
+    return link;
 }
 
 TEST(JsonOutput, IsValidOnOneLineForAnyBytesInAnyCodePage) {
     for (const UINT code_page : {65001U, 1252U, 932U, 936U, 949U, 950U, 1255U}) {
         const CodePageGuard page(code_page);
-        std::string out;
-        append_json(out, hostile_listing());
+        const std::string out = json_of("\xFF\"\\\n.ppt", {hostile_link(), {}});
         EXPECT_EQ(out.find('\n'), out.size() - 1) << code_page;
         const Json parsed = Json::parse(out); // refuses what is not UTF-8
         ASSERT_EQ(parsed["links"].size(), 2U);
@@ -104,12 +110,10 @@ TEST(JsonOutput, IsValidOnOneLineForAnyBytesInAnyCodePage) {
 
 TEST(JsonOutput, TextsAreDecodedFromTheCodePage) {
     const CodePageGuard page(1252);
-    Listing listing;
-    listing.links.resize(1);
-    listing.links[0].path = "C:\\caf\xE9\\\x80.doc";
-    std::string out;
-    append_json(out, listing);
-    EXPECT_EQ(Json::parse(out)["links"][0]["path"], "C:\\caf\u00E9\\\u20AC.doc");
+    Link link;
+    link.path = "C:\\caf\xE9\\\x80.doc";
+    EXPECT_EQ(Json::parse(json_of("a.ppt", {link}))["links"][0]["path"],
+              "C:\\caf\u00E9\\\u20AC.doc");
 }
 
 TEST(TextEncoding, ArgumentsThatTheCodePageCannotHoldAreNoticed) {

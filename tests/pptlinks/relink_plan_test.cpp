@@ -16,43 +16,61 @@ Link link_to(std::string path, std::int32_t ordinal, std::uint32_t object = 1) {
     return link;
 }
 
+RelinkPlan plan_of(const std::vector<Link>& links, const PathWishes& wishes) {
+    RelinkPlan plan;
+    for (const Link& link : links) {
+        plan.add(link);
+    }
+    plan.apply(wishes);
+    return plan;
+}
+
 using Paths = std::vector<std::optional<std::string>>;
+
+Paths new_paths(const RelinkPlan& plan) {
+    Paths paths;
+    for (const PlannedLink& link : plan.links()) {
+        paths.push_back(link.new_path == nullptr ? std::nullopt : std::optional(*link.new_path));
+    }
+    return paths;
+}
+
 using Joined = std::vector<std::vector<std::int32_t>>;
 
 TEST(RelinkPlan, UsesOfOneObjectChangeTogether) {
     const std::vector<Link> links{link_to("C:\\a", 4), link_to("C:\\b", 5), link_to("C:\\a", 4),
                                   link_to("C:\\p", -1), link_to("C:\\p", -1)};
-    const RelinkPlan one_named = plan_relink(links, {{{2, "X"}, {3, "P"}}, {}});
-    EXPECT_EQ(one_named.new_paths, (Paths{"X", {}, "X", "P", {}}));
-    EXPECT_EQ(one_named.joined, (Joined{{0, 2}}));
+    const RelinkPlan one_named = plan_of(links, {{{2, "X"}, {3, "P"}}, {}});
+    EXPECT_EQ(new_paths(one_named), (Paths{"X", {}, "X", "P", {}}));
+    EXPECT_EQ(one_named.joined(), (Joined{{0, 2}}));
 
-    const RelinkPlan both_named = plan_relink(links, {{{0, "X"}, {2, "X"}}, {}});
-    EXPECT_EQ(both_named.new_paths, (Paths{"X", {}, "X", {}, {}}));
-    EXPECT_TRUE(both_named.joined.empty());
+    const RelinkPlan both_named = plan_of(links, {{{0, "X"}, {2, "X"}}, {}});
+    EXPECT_EQ(new_paths(both_named), (Paths{"X", {}, "X", {}, {}}));
+    EXPECT_TRUE(both_named.joined().empty());
 
-    EXPECT_THROW(plan_relink(links, {{{0, "X"}, {2, "Y"}}, {}}), UsageError);
+    EXPECT_THROW(plan_of(links, {{{0, "X"}, {2, "Y"}}, {}}), UsageError);
 }
 
 TEST(RelinkPlan, SetWinsOverMap) {
     const std::vector<Link> links{link_to("C:\\a\\1", 0), link_to("C:\\a\\2", 1),
                                   link_to("C:\\a\\2", 1)};
-    const RelinkPlan plan = plan_relink(links, {{{2, "X"}}, {{"c:/a", "D:"}}});
-    EXPECT_EQ(plan.new_paths, (Paths{"D:\\1", "X", "X"}));
-    EXPECT_TRUE(plan.joined.empty()); // the map named link 1
+    const RelinkPlan plan = plan_of(links, {{{2, "X"}}, {{"c:/a", "D:"}}});
+    EXPECT_EQ(new_paths(plan), (Paths{"D:\\1", "X", "X"}));
+    EXPECT_TRUE(plan.joined().empty()); // the map named link 1
 }
 
 // A use may have lost its path; the object has one all the same.
 TEST(RelinkPlan, AMappedUseTakesTheOthersAlong) {
     const std::vector<Link> links{link_to("", 0), link_to("C:\\a\\1", 0)};
-    const RelinkPlan plan = plan_relink(links, {{}, {{"C:\\a", "D:"}}});
-    EXPECT_EQ(plan.new_paths, (Paths{"D:\\1", "D:\\1"}));
-    EXPECT_EQ(plan.joined, (Joined{{0, 1}}));
+    const RelinkPlan plan = plan_of(links, {{}, {{"C:\\a", "D:"}}});
+    EXPECT_EQ(new_paths(plan), (Paths{"D:\\1", "D:\\1"}));
+    EXPECT_EQ(plan.joined(), (Joined{{0, 1}}));
 }
 
 TEST(RelinkPlan, VideosOfOneListAreKeptApart) {
     const std::vector<Link> links{link_to("C:\\a", 0, 1), link_to("D:\\b", 0, 2)};
-    EXPECT_EQ(plan_relink(links, {{{1, "X"}}, {}}).inseparable, (std::vector<std::int32_t>{0, 1}));
-    EXPECT_TRUE(plan_relink(links, {{}, {{"E:", "F:"}}}).inseparable.empty());
+    EXPECT_EQ(plan_of(links, {{{1, "X"}}, {}}).inseparable(), (std::vector<std::int32_t>{0, 1}));
+    EXPECT_TRUE(plan_of(links, {{}, {{"E:", "F:"}}}).inseparable().empty());
 }
 
 } // namespace
