@@ -1,5 +1,5 @@
-// What the commands cost beyond loading and rewriting: a path is kept once however many links have it,
-// and an output that is a hundred times the size of its file is never in memory.
+// What the commands cost beyond loading and rewriting: a path is kept once however many links have
+// it, and an output that is a hundred times the size of its file is never in memory.
 #include "plugin/exports.h"
 #include "plugin/state.h"
 #include "pptlinks/check_command.h"
