@@ -1,5 +1,6 @@
 // The sentences themselves; messages.h says how a row is read.
 #include "pptlinks/messages.h"
+#include "pptlinks/remedies.h"
 
 #include "plugin/status.h"
 
@@ -50,7 +51,7 @@ constexpr Message kMessages[] = {
      "it is not a PowerPoint 97-2003 presentation, or it is protected by a password",
      "save it in that format without a password and try again"},
     {kNoUnicodeForm, Culprit::presentation,
-     "a text or name cannot be written in the code page in use", "choose another --code-page"},
+     "a text or name cannot be written in the code page in use", kChangeCodePage},
     {kReadFault, Culprit::presentation, "reading it failed[ ({reason})]", kCheckMedium},
     {kTextTooLong, Culprit::presentation,
      "a path or another text is too long[ (it must stay below {2} bytes)]", "use a shorter path"},
@@ -66,8 +67,7 @@ constexpr Message kMessages[] = {
      "a part that every presentation has is missing in it[ (\"{2}\")]",
      "check that it is a PowerPoint 97-2003 presentation"},
     {kFileNotFound, Culprit::presentation, "there is no such file", kCheckName},
-    {kPathNotFound, Culprit::copy, "its folder, drive or share is not there",
-     "check the path, and name its drive or share with --drive"},
+    {kPathNotFound, Culprit::copy, "its folder, drive or share is not there", kFindFolder},
     {kInUseByOther, Culprit::copy, "it is in use by another program", kCloseOthers},
     {kStorageWriteFault, Culprit::copy, "writing it failed[ ({reason})]", kCheckMedium},
     {kDeviceNotReady, Culprit::copy, "its drive is not ready", kCheckMedium},

@@ -2,6 +2,7 @@
 
 #include "pptlinks/listing.h"
 #include "pptlinks/output.h"
+#include "pptlinks/remedies.h"
 #include "pptlinks/terminal_text.h"
 #include "pptlinks/text_encoding.h"
 
@@ -128,9 +129,10 @@ std::string why_not_written(const PlannedLink& link, std::int32_t index) {
         return which + "keeps its path, because the place of the name on its page is not certain; "
                        "link the picture anew in the program that made the file";
     default:
-        return which + "keeps its path, because the new one is no full path of a file that is "
-                       "there; map its drive or share with --drive, or use --trust-targets if this "
-                       "machine cannot see it";
+        return which +
+               "keeps its path, because the new one is no full path of a file that is "
+               "there; " +
+               kFindSource;
     }
 }
 

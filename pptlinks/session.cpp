@@ -114,16 +114,18 @@ id64 id_of(const std::string& text) {
     return id;
 }
 
+bool is_folder_missing(const std::string& ansi_path) {
+    return GetFileAttributesA(ansi_path.c_str()) == INVALID_FILE_ATTRIBUTES &&
+           GetLastError() == ERROR_PATH_NOT_FOUND;
+}
+
 // What a status that stands for several things means for this file, when that can be told.
 std::optional<std::int32_t> closer_status(std::int32_t status, const std::string& ansi_path) {
-    if (status != ppt::status::kInUseByOther && status != ppt::status::kDamaged) {
-        return std::nullopt;
-    }
-    const HRESULT kind = StgIsStorageFile(wide_from_ansi(ansi_path).c_str());
-    if (status == ppt::status::kInUseByOther && kind == S_FALSE) {
+    if (status == ppt::status::kInUseByOther &&
+        StgIsStorageFile(wide_from_ansi(ansi_path).c_str()) == S_FALSE) {
         return ppt::status::kNotAPresentation;
     }
-    if (status == ppt::status::kDamaged && kind == STG_E_PATHNOTFOUND) {
+    if (status == ppt::status::kDamaged && is_folder_missing(ansi_path)) {
         return ppt::status::kPathNotFound;
     }
     return std::nullopt;

@@ -3,11 +3,11 @@
 #pragma once
 
 #include "tests/faults/fault_deck.h"
-#include "tests/pptlinks/program_run.h"
+#include "tests/pptlinks/built_program.h"
 
 namespace fault {
 
-class BuiltRelink : public pptlinks::ProgramRun {
+class BuiltRelink : public pptlinks::BuiltProgramRun {
   protected:
     using Names = std::vector<std::string>;
 

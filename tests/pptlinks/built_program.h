@@ -1,18 +1,14 @@
 // The built program in processes of its own, for what only those show.
 #pragma once
 
+#include "tests/pptlinks/program_run.h"
+
 #include <functional>
 #include <string>
 #include <sys/types.h>
 #include <vector>
 
 namespace pptlinks {
-
-struct RunResult {
-    int status = -1; // the exit status; -1 when a signal ended the process
-    std::string out;
-    std::string error;
-};
 
 // One process that runs the program, in the plain C locale. It is killed when its owner goes before
 // its end.
@@ -40,6 +36,15 @@ class BuiltProgram {
     int error_ = -1;
     int state_ = 0;
     bool ended_ = false;
+};
+
+class BuiltProgramRun : public ProgramRun {
+  protected:
+    // In a process of its own, in the test's folder; see BuiltProgram.
+    RunResult run_built(const std::vector<std::string>& arguments,
+                        const std::function<void()>& prepare = {}) const {
+        return BuiltProgram(path(""), arguments, prepare).wait();
+    }
 };
 
 } // namespace pptlinks

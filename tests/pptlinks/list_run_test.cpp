@@ -1,47 +1,11 @@
 // `pptlinks list` as a user runs it.
-#include "tests/pptlinks/program_run.h"
-
-#include <nlohmann/json.hpp>
-
-#include <sstream>
+#include "tests/pptlinks/list_run.h"
 
 namespace pptlinks {
 namespace {
 
 using namespace presentation_builder;
 using Json = nlohmann::json;
-
-class ListRun : public ProgramRun {
-  protected:
-    // A link of every kind that is found, on pages of every kind.
-    void write_deck(const std::string& name) {
-        Deck deck;
-        const std::uint32_t web = deck.hyperlink(u"http://example.org/\u00E9");
-        const std::uint32_t song = deck.sound(record_type::kExternalMidiAudio, u"C:\\song.mid");
-        const std::uint32_t wav = deck.sound(record_type::kExternalWavAudioLink, u"C:\\hm.wav");
-        const std::uint32_t film = deck.movie(record_type::kExternalAviMovie, u"C:\\film.avi");
-        deck.add_master().shape(Shape().link(web));
-        deck.add_slide().shape(Shape().object(song)).shape(Shape().object(film));
-        deck.add_slide()
-            .shape(Shape().picture(u"\\\\srv\\pub\\map.wmf"))
-            .shape(Shape().text(Text(u"see \x1B[2J here").link(web, 4, 13)));
-        deck.add_notes().shape(Shape().object(wav));
-        deck.properties(PropertyStream()
-                            .text(u"MORVANE-LINK-ID=42%%", u"c:\\film.avi")
-                            .text(u"MORVANE-LINK-ID", u"7")
-                            .build());
-        deck.write(path(name));
-    }
-
-    static std::vector<Json> lines(const std::string& out) {
-        std::vector<Json> objects;
-        std::istringstream stream(out);
-        for (std::string line; std::getline(stream, line);) {
-            objects.push_back(Json::parse(line));
-        }
-        return objects;
-    }
-};
 
 TEST_F(ListRun, TheTableShowsEveryLink) {
     write_deck("talk.ppt");
@@ -111,25 +75,6 @@ TEST_F(ListRun, AMissingFolderIsNoDamage) {
         << result.error;
 }
 
-TEST_F(ListRun, CodePageDrivesAndOptionsReachThePlugIn) {
-    write_deck("talk.ppt");
-    const std::string drive = "Z:=" + path("");
-    const RunResult mapped = run({"list", "--json", "--drive", drive, "--code-page", "1252",
-                                  "--options", "", "Z:\\TALK.ppt"});
-    ASSERT_EQ(mapped.status, 0) << mapped.error;
-    const Json file = lines(mapped.out).at(0);
-    EXPECT_EQ(file["links"][0]["path"], "http://example.org/\u00E9");
-    EXPECT_EQ(file["links"][4]["text"], "");
-
-    EXPECT_EQ(run({"list", "talk.ppt", "--code-page", "4711"}).status, 2);
-    EXPECT_EQ(run({"list", "talk.ppt", "--drive", "nonsense"}).status, 2);
-    EXPECT_EQ(run({"list", "Y:\\talk.ppt"}).status, 1);
-    const RunResult foreign = run({"list", "--code-page", "1252", "\u4E2D.ppt"});
-    EXPECT_EQ(foreign.status, 1);
-    EXPECT_NE(foreign.error.find("\u4E2D.ppt: a text or name cannot be written"),
-              std::string::npos);
-}
-
 TEST_F(ListRun, WrongUsageAndHelp) {
     const RunResult wrong = run({"list"});
     EXPECT_EQ(wrong.status, 2);
@@ -138,16 +83,6 @@ TEST_F(ListRun, WrongUsageAndHelp) {
     const RunResult help = run({"--help"});
     EXPECT_EQ(help.status, 0);
     EXPECT_NE(help.out.find("pptlinks relink talk.ppt -o"), std::string::npos);
-    const RunResult device = run({"list", "/dev/full"});
-    EXPECT_EQ(device.status, 1);
-}
-
-TEST_F(ListRun, TheProgramItselfEndsWithItsStatus) {
-    write_deck("talk.ppt");
-    const RunResult listed = run_built({"list", "talk.ppt", "missing.ppt"});
-    EXPECT_EQ(listed.status, 1);
-    EXPECT_NE(listed.out.find("http://example.org/\u00E9"), std::string::npos) << listed.out;
-    EXPECT_NE(listed.error.find("missing.ppt: there is no such file"), std::string::npos);
 }
 
 } // namespace

@@ -1,15 +1,14 @@
-// Runs the program on decks in a folder of the test's own.
+// Runs what the program is made of, within this process, on decks in a folder of the test's own.
 #pragma once
 
 #include "pptlinks/program.h"
-#include "tests/pptlinks/built_program.h"
 #include "tests/pptlinks/code_page_guard.h"
 #include "tests/support/presentation_builder.h"
+#include "tests/support/temporary_folder.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -18,14 +17,15 @@
 
 namespace pptlinks {
 
+struct RunResult {
+    int status = -1; // the exit status; -1 when a signal ended the process
+    std::string out;
+    std::string error;
+};
+
 class ProgramRun : public testing::Test {
   protected:
-    ProgramRun() {
-        std::string folder = testing::TempDir() + "pptlinks-XXXXXX";
-        EXPECT_NE(mkdtemp(folder.data()), nullptr);
-        folder_ = folder;
-    }
-    ~ProgramRun() override { std::filesystem::remove_all(folder_); }
+    ~ProgramRun() override { remove_folder(folder_); }
 
     std::string path(const std::string& name) const { return (folder_ / name).string(); }
 
@@ -45,9 +45,12 @@ class ProgramRun : public testing::Test {
         return names;
     }
 
-    // Within this process, in the test's folder and with the code page that a plain locale has.
+    // In the test's folder and, but on Windows, where it is the system's, with the code page that a
+    // plain locale has.
     RunResult run(const std::vector<std::string>& arguments) const {
+#if !defined(_WIN32)
         const CodePageGuard code_page(CP_UTF8);
+#endif
         std::vector<const char*> argv{"pptlinks"};
         for (const std::string& argument : arguments) {
             argv.push_back(argument.c_str());
@@ -64,14 +67,7 @@ class ProgramRun : public testing::Test {
         return result;
     }
 
-    // The built program in a process of its own, in the test's folder; see BuiltProgram.
-    RunResult run_built(const std::vector<std::string>& arguments,
-                        const std::function<void()>& prepare = {}) const {
-        return BuiltProgram(folder_.string(), arguments, prepare).wait();
-    }
-
-  private:
-    std::filesystem::path folder_;
+    const std::filesystem::path folder_ = make_temporary_folder("pptlinks");
 };
 
 } // namespace pptlinks

@@ -60,9 +60,7 @@ class LibraryWithoutMemory : public Library {
         Library::TearDown();
     }
 
-    static std::int32_t unload() {
-        return bound<decltype(&j_unLoadFile)>("_j_unLoadFile@0")();
-    }
+    static std::int32_t unload() { return bound<decltype(&j_unLoadFile)>("_j_unLoadFile@0")(); }
     static std::int32_t link_count() {
         return bound<decltype(&n_getLinkCount)>("_n_getLinkCount@0")();
     }
