@@ -130,6 +130,17 @@ class Editor {
     ShownProperties before_;
 };
 
+// A value that lacks its end cannot be decoded, until it is written with zeros behind it up to
+// where the next one may begin.
+void forget_completed(ShownProperties& reread, const ShownProperties& written) {
+    for (auto& [id, property] : reread) {
+        const auto known = written.find(id);
+        if (known != written.end() && !known->second.value) {
+            property.value.reset();
+        }
+    }
+}
+
 void edit(PropertySet& set, bytes::Cursor& input) {
     constexpr int kMostChanges = 24;
     for (int i = 0; i < kMostChanges && input.remaining() > 0; ++i) {
@@ -155,8 +166,10 @@ void fuzz::test_one(bytes::View data) {
         edit(set, input);
         const bytes::Bytes written = set.encode();
         const PropertySet reread = set.reopened(written);
-        require(fuzz::shown(reread.section()) == fuzz::shown(set.section()),
-                "what was written reads back");
+        const ShownProperties shown = fuzz::shown(set.section());
+        ShownProperties shown_again = fuzz::shown(reread.section());
+        forget_completed(shown_again, shown);
+        require(shown_again == shown, "what was written reads back");
         require(reread.encode() == written, "reading it back changes nothing");
     } catch (const platform::Error&) { // damage: nothing can be read, or nothing is written
     }

@@ -111,9 +111,6 @@ bool read_part(bytes::Cursor& cursor, Moniker& moniker) {
 
 // False when there are fewer parts than the composite promises; each has a class id.
 bool read_parts(bytes::Cursor& cursor, std::uint32_t count, Moniker& moniker) {
-    if (count > cursor.remaining() / sizeof(ClassId)) {
-        return false;
-    }
     for (std::uint32_t i = 0; i < count; ++i) {
         bytes::Cursor start = cursor;
         if (start.remaining() == 0) {
@@ -121,6 +118,9 @@ bool read_parts(bytes::Cursor& cursor, std::uint32_t count, Moniker& moniker) {
         }
         if (i == kMostParts || !read_part(cursor, moniker)) {
             const bytes::View rest = start.take(start.remaining());
+            if (count - i > rest.size() / sizeof(ClassId)) {
+                return false;
+            }
             moniker.unknown.assign(rest.begin(), rest.end());
             moniker.unknown_count = count - i;
             return true;

@@ -134,6 +134,17 @@ TEST(Moniker, WhatIsUnknownOrDamagedIsNotGuessedAt) {
     EXPECT_FALSE(parse_moniker(long_path));
 }
 
+// The room that a long path takes is none for parts: with a shorter one they would be missing.
+TEST(Moniker, PartsThatAreNotThereAreNotReadOutOfALongPath) {
+    constexpr std::size_t kCount = 16;
+    const auto fitting = static_cast<std::uint32_t>(unknown_moniker().size() / 16);
+    Bytes promised = composite_moniker({kWideFile, unknown_moniker()});
+    bytes::store_u32(promised, kCount, 1 + fitting);
+    EXPECT_TRUE(parse_moniker(promised));
+    bytes::store_u32(promised, kCount, 1 + fitting + 1);
+    EXPECT_FALSE(parse_moniker(promised));
+}
+
 TEST(Moniker, IsComposedAsWindowsWritesIt) {
     Moniker moniker;
     moniker.file = {"C:\\data\\book.xls"};

@@ -1,5 +1,5 @@
-// `list` and `relink` where the system has code pages, drives and permissions as this program arranges
-// them, devices in the tree of files, and limits for their size.
+// `list` and `relink` where the system has code pages, drives and permissions as this program
+// arranges them, devices in the tree of files, and limits for their size.
 #include "tests/pptlinks/built_program.h"
 #include "tests/pptlinks/list_run.h"
 #include "tests/pptlinks/relink_run.h"
@@ -110,8 +110,8 @@ TEST_F(RelinkRun, TheWordOfTheUserIsEnoughForTheSourceOfAnObject) {
         true));
     deck.add_slide().shape(Shape().object(book));
     deck.write(path("book.ppt"));
-    const std::vector<std::string> relinked{"relink", "book.ppt", "-o",
-                                            "new.ppt", "--set",   "0=Y:\\b.xls"};
+    const std::vector<std::string> relinked{"relink",  "book.ppt", "-o",
+                                            "new.ppt", "--set",    "0=Y:\\b.xls"};
     std::vector<std::string> trusted = relinked;
     trusted.emplace_back("--trust-targets");
     EXPECT_EQ(run(trusted).status, 0);
