@@ -1,3 +1,4 @@
+// Reading: the document properties become ids and addresses of the loaded links.
 #include "linkid/link_properties.h"
 
 #include "common_new/SafeFunc/paths.h"

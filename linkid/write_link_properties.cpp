@@ -1,3 +1,4 @@
+// Writing: ids and addresses of the links become document properties of the copy; stale ones go.
 #include "linkid/link_properties.h"
 
 #include "common_new/common/conversion.h"

@@ -4,6 +4,7 @@
 #include "common_new/common/conversion.h"
 #include "common_new/common/target_access.h"
 #include "plugin/checked_allocation.h"
+#include "plugin/failure.h"
 #include "plugin/sequences.h"
 #include "plugin/state.h"
 #include "plugin/status.h"
@@ -48,13 +49,7 @@ void copy_extension(const char* extension, char* buffer) {
 // No exception leaves an export.
 template <class Call>
 std::int32_t guarded(Call call) {
-    try {
-        return call();
-    } catch (const std::bad_alloc&) {
-        return status::kOutOfMemory;
-    } catch (...) {
-        return status::kSystemError;
-    }
+    return status_or(status::kSystemError, call);
 }
 
 // Null when there was no memory to make it: nothing was ever loaded then.

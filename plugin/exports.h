@@ -57,9 +57,11 @@ PPT_EXPORT std::int32_t PPT_CALL j_unLoadFile();
 // links that it could not write where they stand and the index of each: pictures and OLE objects
 // that keep their paths, texts that still show the old one. Trailing blanks of `path` are cut in
 // the caller's buffer. The loaded file is never written; after a failure the copy stays as far as
-// it was written. A failure before the copy was opened leaves the presentation loaded.
+// it was written. A failure before the copy was opened leaves the presentation loaded. With nothing
+// loaded 8300, and the error parameters stay.
 PPT_EXPORT std::int32_t PPT_CALL j_rewriteFile(char* path, std::int32_t flags);
 
+// The number of links in the table; 0 when nothing is loaded.
 PPT_EXPORT std::int32_t PPT_CALL n_getLinkCount();
 
 // Copies the link's target into `buffer` (1024 bytes).
@@ -71,6 +73,7 @@ PPT_EXPORT std::int32_t PPT_CALL j_getLinkFileName(std::int32_t index, std::int3
 PPT_EXPORT std::int32_t PPT_CALL j_setLinkFileName(std::int32_t index, const char* name,
                                                    std::int32_t reserved);
 
+// The link's id. Setting it marks the link as changed, also when the id is the same.
 PPT_EXPORT std::int32_t PPT_CALL j_getLinkId(std::int32_t index, std::int32_t reserved, id64* id);
 PPT_EXPORT std::int32_t PPT_CALL j_setLinkId(std::int32_t index, std::int32_t reserved,
                                              const id64* id);
@@ -79,7 +82,7 @@ PPT_EXPORT std::int32_t PPT_CALL j_setLinkId(std::int32_t index, std::int32_t re
 // after a failure.
 PPT_EXPORT std::int32_t PPT_CALL j_getHyperlinkText(std::int32_t index, char* buffer);
 
-// The presentation's own id.
+// The presentation's own id. Setting it marks no link.
 PPT_EXPORT std::int32_t PPT_CALL j_getTargetFileId(std::int32_t reserved, id64* id);
 PPT_EXPORT std::int32_t PPT_CALL j_setTargetFileId(std::int32_t reserved, const id64* id);
 

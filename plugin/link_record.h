@@ -1,8 +1,8 @@
 // One link of the loaded presentation, or one external object that it declares.
 //
 // The link table holds a record for every place that uses a link; the external object list holds a
-// record for every hyperlink, linked sound or movie that the document declares, and those are the
-// templates from which uses are copied.
+// record for every hyperlink, linked sound, movie or OLE object that the document declares, and
+// those are the templates from which uses are copied.
 #pragma once
 
 #include "hostapi/hostapi.h"

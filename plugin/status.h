@@ -1,5 +1,5 @@
 // The status codes that every exported function and every helper reports. 0 is success; the host
-// words the message for a code and fills in the error parameters (error_params.h).
+// words the message for a code and puts the error parameters (error_params.h) into it.
 //
 // Worker code throws a code as an `int`; the helpers of common_new/ return it.
 #pragma once

@@ -29,7 +29,14 @@ std::string executable_path() {
 } // namespace
 
 std::string log_path_for(const std::string& executable) {
-    const std::size_t separator = executable.find_last_of("\\/");
+    std::size_t separator = std::string::npos;
+    for (std::size_t at = 0; at < executable.size(); ++at) {
+        if (executable[at] == '\\' || executable[at] == '/') {
+            separator = at;
+        }
+        // The second byte of a character may look like a separator.
+        at += IsDBCSLeadByte(static_cast<BYTE>(executable[at])) != FALSE ? 1 : 0;
+    }
     const std::string path = executable.substr(0, separator) + "\\PPT.log";
     return path.size() <= kLogPathLimit ? path : std::string();
 }

@@ -1,5 +1,7 @@
 #include "pptlinks/arguments.h"
 
+#include "pptlinks/system_wording.h"
+
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
@@ -16,14 +18,12 @@ constexpr const char* kDescription =
     "files are there and writes copies in which the links point elsewhere. The presentations "
     "themselves are never written.";
 
-constexpr const char* kExamples = R"(Examples:
+const std::string kExamples = std::string(R"(Examples:
   pptlinks list talk.ppt
   pptlinks list --json *.ppt > links.jsonl
-  pptlinks check --drive 'C:=/mnt/c' --drive '\\srv\pub=/mnt/pub' *.ppt
-  pptlinks relink talk.ppt -o moved.ppt --map 'C:\media=D:\archive\media'
+)") + kCheckOnDrives + R"(  pptlinks relink talk.ppt -o moved.ppt --map 'C:\media=D:\archive\media'
   pptlinks relink talk.ppt -o new.ppt --set '3=http://example.org/' --set-id 3=1001
-  pptlinks list --drive 'Z:=/mnt/z' --drive '\\srv\pub=/mnt/pub' 'Z:\talks\q3.ppt'
-
+)" + kListOnDrives + R"(
 An object or page that cannot be read is left out and named, unless --strict makes its file fail.
 Exit status: 0 all well, 1 a file failed, something in it could not be read or a link is not as it
 should be, 2 wrong usage.
@@ -31,12 +31,14 @@ Arguments and output are in UTF-8. See "pptlinks COMMAND --help" for more.)";
 
 constexpr const char* kListExamples = R"(Examples:
   pptlinks list talk.ppt
-  pptlinks list --code-page 1252 --json *.ppt > links.jsonl)";
+  pptlinks list --json *.ppt > links.jsonl)";
 
-constexpr const char* kCheckExamples = R"(Examples:
+const std::string kCheckExamples =
+    std::string(R"(Examples:
   pptlinks check talk.ppt
-  pptlinks check --drive 'C:=/mnt/c' --drive '\\srv\pub=/mnt/pub' *.ppt
-  pptlinks check --json talk.ppt | jq '.links[] | select(.target == "missing") | .path'
+)") +
+    kCheckOnDrives +
+    R"(  pptlinks check --json talk.ppt | jq '.links[] | select(.target == "missing") | .path'
 
 A path is looked up as seen from the folder of its presentation. Web and mail addresses and file:
 URLs are not checked. With --json every link has a "target", which is "found" (then "found" holds
@@ -45,12 +47,11 @@ the full path, else null), "missing", "unreachable" (its drive or share is not m
 Exit status: 0 nothing is missing, 1 something is, could not be read, or a file failed, 2 wrong
 usage.)";
 
-constexpr const char* kRelinkExamples = R"(Examples:
+const std::string kRelinkExamples = std::string(R"(Examples:
   pptlinks relink talk.ppt -o moved.ppt --map 'C:\media=D:\archive\media'
   pptlinks relink talk.ppt -o new.ppt --set '3=http://example.org/' --set-id 3=1001
   pptlinks relink talk.ppt -o new.ppt --map 'http://old.example=http://new.example' --options e
-  pptlinks relink talk.ppt -o new.ppt --set '2=\\srv\pub\Book.xls!Sheet1' --trust-targets
-
+)") + kTrustTargets + R"(
 With the letter h in --options the text of a changed hyperlink becomes its new path, with e only
 where the text was the old path; otherwise the text stays. What could not be read is in the copy as
 it was.
@@ -107,9 +108,9 @@ struct RawRelink {
     std::optional<std::string> target_id;
 };
 
-void add_repeated(CLI::App& app, const std::string& name, std::vector<std::string>& values,
-                  const std::string& form, const std::string& help) {
-    app.add_option(name, values, help)->type_name(form)->allow_extra_args(false)->take_all();
+CLI::Option* add_repeated(CLI::App& app, const std::string& name, std::vector<std::string>& values,
+                          const std::string& form, const std::string& help) {
+    return app.add_option(name, values, help)->type_name(form)->allow_extra_args(false)->take_all();
 }
 
 void add_common(CLI::App& app, CommonArguments& common) {
@@ -120,12 +121,14 @@ void add_common(CLI::App& app, CommonArguments& common) {
     app.add_option(
            "--code-page", common.code_page,
            "Number of the ANSI code page, for example 1252; that of the locale unless given")
-        ->type_name("N");
+        ->type_name("N")
+        ->group(kSettingsGroup);
     add_repeated(
         app, "--drive", common.drives, "ENTRY",
         "Where a drive or share lies: 'Z:=/mnt/z', '\\\\srv\\pub=/mnt/pub' or "
         "'Z:=\\\\srv\\pub'; may be repeated, and the environment variable PPT_DRIVES holds "
-        "more, separated by ';'");
+        "more, separated by ';'")
+        ->group(kSettingsGroup);
     app.add_flag("--strict", common.strict,
                  "Fail on a presentation in which an object or page cannot be read, instead of "
                  "leaving that out");
@@ -174,9 +177,11 @@ CLI::App* add_relink(CLI::App& app, RelinkArguments& relink, RawRelink& raw) {
                  "Give one link an id; may be repeated. 0 clears it");
     command->add_option("--target-id", raw.target_id, "Give the presentation itself an id")
         ->type_name("ID");
-    command->add_flag("--trust-targets", relink.trust_targets,
-                      "Give linked objects their new path without looking whether its file is "
-                      "there; for machines that cannot see it");
+    command
+        ->add_flag("--trust-targets", relink.trust_targets,
+                   "Give linked objects their new path without looking whether its file is "
+                   "there; for machines that cannot see it")
+        ->group(kSettingsGroup);
     add_common(*command, relink.common);
     return command;
 }

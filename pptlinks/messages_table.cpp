@@ -1,6 +1,6 @@
 // The sentences themselves; messages.h says how a row is read.
 #include "pptlinks/messages.h"
-#include "pptlinks/remedies.h"
+#include "pptlinks/system_wording.h"
 
 #include "plugin/status.h"
 

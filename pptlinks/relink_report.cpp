@@ -1,12 +1,14 @@
 #include "pptlinks/relink_report.h"
 
+#include "common_new/SafeFunc/paths.h"
 #include "pptlinks/listing.h"
 #include "pptlinks/output.h"
-#include "pptlinks/remedies.h"
+#include "pptlinks/system_wording.h"
 #include "pptlinks/terminal_text.h"
 #include "pptlinks/text_encoding.h"
 
 #include <algorithm>
+#include <map>
 
 namespace pptlinks {
 
@@ -36,6 +38,7 @@ class Report {
     bool keeps_path(std::int32_t index) const;
     void add_changed_links();
     void add_joined_links();
+    void add_shared_ids();
     void add_counts();
 
     const RelinkArguments& arguments_;
@@ -77,6 +80,21 @@ void Report::add_joined_links() {
     }
 }
 
+// Ids are stored by path, so links with one path cannot be told apart by them.
+void Report::add_shared_ids() {
+    std::map<std::string, const IndexedValue*> first_of_path;
+    for (const IndexedValue& wish : arguments_.ids) {
+        const PlannedLink& link = plan_.link(wish.index);
+        const bool has_new_path = link.new_path != nullptr && !keeps_path(wish.index);
+        const std::string& path = has_new_path ? *link.new_path : *link.path;
+        const auto [first, is_new] = first_of_path.try_emplace(ppt::ascii_lower(path), &wish);
+        if (!is_new && first->second->value != wish.value) {
+            out_ += listed({first->second->index, wish.index}) +
+                    " have the same path, so the copy lists them with one id\n";
+        }
+    }
+}
+
 void Report::add_counts() {
     const std::vector<std::int32_t>& not_written = outcome_.not_written;
     const auto kept = static_cast<std::size_t>(
@@ -106,6 +124,7 @@ void Report::add_counts() {
 void Report::print_all() {
     add_changed_links();
     add_joined_links();
+    add_shared_ids();
     add_counts();
     print(out_);
 }

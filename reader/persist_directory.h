@@ -28,7 +28,7 @@ class PersistDirectory {
     std::uint32_t n_lookupPersistId(std::uint32_t id) const;
 
     // Fills the object array. Throws 8800. Cost: linear in the blocks' words and the highest id,
-    // which is at most 2^20 + 4094.
+    // which is at most 2^20 + 4093.
     void v_buildObjectArray();
 
     // Whether a block has entries from persist id 0 on, where the object array ends: ids that are

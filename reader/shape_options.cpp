@@ -1,7 +1,6 @@
 #include "reader/shape_options.h"
 
 #include "common_new/common/conversion.h"
-#include "platform/base/checked.h"
 #include "plugin/error_params.h"
 #include "plugin/link_record.h"
 #include "plugin/status.h"
@@ -123,7 +122,8 @@ std::string ShapeOptions::picture_name() const {
 
 std::optional<bytes::Bytes>
 ShapeOptions::with_picture_name(std::basic_string_view<WCHAR> name) const {
-    if (!name_offset_ || !platform::fits(*name_offset_, name_length_, body_.size())) {
+    if (!name_offset_ || *name_offset_ > body_.size() ||
+        name_length_ > body_.size() - *name_offset_) {
         return std::nullopt;
     }
     bytes::Bytes stored = utf16_bytes(name);

@@ -17,9 +17,9 @@ namespace ppt {
 
 namespace {
 
-bool is_given(const void* argument, const char* expression) {
+bool is_given(const void* argument, const char* expression, unsigned line = __builtin_LINE()) {
     if (argument == nullptr) {
-        report_assertion(expression, kSourceCommon);
+        report_assertion(expression, kSourceCommon, line);
     }
     return argument != nullptr;
 }

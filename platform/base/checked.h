@@ -1,4 +1,4 @@
-// Arithmetic on sizes and offsets that come from a file: every sum and product is checked.
+// Arithmetic on sizes and offsets that come from a file: every sum is checked.
 #pragma once
 
 #include "platform/base/error.h"
@@ -14,15 +14,6 @@ inline std::uint64_t checked_add(std::uint64_t a, std::uint64_t b) {
         throw Error(Errc::too_large, "sum of two sizes");
     }
     return sum;
-}
-
-// The product; throws Errc::too_large where 64 bits do not hold it.
-inline std::uint64_t checked_multiply(std::uint64_t a, std::uint64_t b) {
-    std::uint64_t product = 0;
-    if (__builtin_mul_overflow(a, b, &product)) {
-        throw Error(Errc::too_large, "product of two sizes");
-    }
-    return product;
 }
 
 // Whether [offset, offset + count) lies inside [0, size).

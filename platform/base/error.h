@@ -1,5 +1,6 @@
 // The one error type of the engines: a code and the place where it arose. The engines throw it; the
-// adapters in platform/posix/ catch it and translate the code in one table (error_codes.h there).
+// adapters in platform/adapters/ catch it and translate the code in one table (error_codes.h
+// there).
 #pragma once
 
 #include <stdexcept>

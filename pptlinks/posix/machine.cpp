@@ -1,3 +1,5 @@
+// The platform layer is told of code page, drives and shares; files are made and looked at by
+// system calls.
 #include "pptlinks/machine.h"
 
 #include "platform/posix/settings.h"

@@ -1,5 +1,6 @@
 // The link table and the exports that read and change it.
 #include "tests/plugin/plugin_fixture.h"
+#include "tests/pptlinks/code_page_guard.h"
 
 #include "plugin/link_table.h"
 #include "plugin/status.h"
@@ -177,6 +178,8 @@ TEST(LogPathTest, StandsBesideTheExecutableUnlessItIsTooLong) {
     const std::string folder(251, 'f');
     EXPECT_EQ(log_path_for(folder + "\\host.exe"), folder + "\\PPT.log");
     EXPECT_EQ(log_path_for(folder + "f\\host.exe"), "");
+    const CodePageGuard code_page(932);
+    EXPECT_EQ(log_path_for("C:\\Host\\\x83\\.exe"), "C:\\Host\\PPT.log") << "one character";
 }
 
 TEST_F(LinkTableTest, StandardExtensionsEndWithTheEmptyString) {

@@ -125,6 +125,19 @@ TEST_F(RelinkRun, WhatCannotBeWrittenIsNamedAndTheRestIsWritten) {
                      "Y:\\old\\b.doc"}));
 }
 
+TEST_F(RelinkRun, IdsOfLinksWithOnePathAreOne) {
+    const RunResult result = relink(
+        {"--set", "3=c:\\OLD\\film.avi", "--set-id", "1=8", "--set-id", "3=9", "--set-id", "4=7"});
+    EXPECT_EQ(result.status, 0) << result.error;
+    EXPECT_NE(
+        result.out.find("links 1 and 3 have the same path, so the copy lists them with one id\n"),
+        std::string::npos)
+        << result.out;
+    const Json copy = listing("out.ppt");
+    EXPECT_EQ(copy["links"][1]["id"], copy["links"][3]["id"]);
+    EXPECT_EQ(copy["links"][4]["id"], "7");
+}
+
 // Ids that stand on the pages move to where all ids are kept.
 TEST_F(RelinkRun, IdsOfOldPresentationsAreKept) {
     Deck deck;

@@ -1,6 +1,7 @@
-// Where the Windows of a test machine falls short: each call that the other tests send to our
-// engines instead, with the result that Wine 8 gives and the one that Windows is known to give.
-// When a case here fails under another Wine, that call need no longer be replaced.
+// Where the Windows of a test machine falls short: each call that other tests send to our
+// engines instead (and WNetGetUniversalNameA, which knows no drives there that are shares), with
+// the result that Wine 8 gives and the one that Windows is known to give. When a case here fails
+// under another Wine, that call need no longer be replaced.
 #include "tests/ole/memory_storage.h"
 #include "tests/support/ole_storage.h"
 #include "tests/support/property_stream.h"
