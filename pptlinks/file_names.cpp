@@ -77,9 +77,9 @@ FileName beside(const FileName& file, const std::string& name) {
     return other;
 }
 
-bool is_same_file(const FileName& a, const FileName& b) {
+bool is_same_file(const std::string& a, const std::string& b) {
     std::error_code missing;
-    return std::filesystem::equivalent(fs_path(a.native), fs_path(b.native), missing);
+    return std::filesystem::equivalent(fs_path(a), fs_path(b), missing);
 }
 
 } // namespace pptlinks

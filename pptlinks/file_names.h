@@ -32,7 +32,7 @@ FileName file_name(const std::string& typed);
 // Another file in the same folder; `name` is ASCII.
 FileName beside(const FileName& file, const std::string& name);
 
-// Whether both are there and are one file, whatever their names.
-bool is_same_file(const FileName& a, const FileName& b);
+// Whether both are there and are one file, whatever their names; native names.
+bool is_same_file(const std::string& a, const std::string& b);
 
 } // namespace pptlinks

@@ -34,7 +34,8 @@ FileName follow_links(FileName out) {
 
 OutputFile::OutputFile(const FileName& source, const FileName& out)
     : out_(follow_links(out)) {
-    if (is_same_file(source, out_)) {
+    // The plug-in finds the source as Windows does, whatever the letter case and the separators.
+    if (is_same_file(native_path(source.ansi), out_.native)) {
         fail("this is the presentation itself, which is never written; give the copy another name");
     }
     require_folder();

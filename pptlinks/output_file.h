@@ -23,6 +23,9 @@ class OutputFile {
     // Creates the temporary file, empty, and gives its path for the plug-in.
     const std::string& create();
 
+    // The path of the temporary file for the plug-in.
+    const std::string& temporary() const { return temporary_.ansi; }
+
     // Renames the temporary file to OUT. It gets the permissions of the file that it replaces, else
     // those of a new file, and is on the disk before anything is replaced. Throws FileFailure.
     void publish();

@@ -1,5 +1,6 @@
 #include "pptlinks/relink_command.h"
 
+#include "plugin/failure.h"
 #include "pptlinks/file_names.h"
 #include "pptlinks/machine.h"
 #include "pptlinks/messages.h"
@@ -101,6 +102,38 @@ std::vector<std::int32_t> rewrite(LoadedPresentation& presentation, const Source
     }
 }
 
+bool has_all_links(const LoadedPresentation& copy, const RelinkPlan& plan) {
+    const auto count = static_cast<std::int32_t>(plan.links().size());
+    if (copy.link_count() != count) {
+        return false;
+    }
+    for (std::int32_t i = 0; i < count; ++i) {
+        if (copy.link(i).kind != plan.link(i).kind) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Reads the copy back before anybody gets it: a presentation may be built in a way that nobody
+// thought of.
+void require_sound(const Session& session, const std::string& copy_path, const RelinkPlan& plan,
+                   const Outcome& outcome, const std::string& file) {
+    try {
+        const LoadedPresentation copy(session, copy_path);
+        if (copy.unread().count == outcome.unread.count && has_all_links(copy, plan)) {
+            return;
+        }
+    } catch (const StatusFailure& failure) {
+        if (ppt::is_out_of_memory(failure.status)) {
+            throw;
+        }
+    }
+    throw FileFailure(file,
+                      "its copy could not be read back with all links, so it was not kept; the "
+                      "presentation is damaged or built in a way that is not understood");
+}
+
 // Gives the exit status.
 int relink(const Session& session, const RelinkArguments& arguments) {
     const FileName source = file_name(arguments.file);
@@ -115,6 +148,7 @@ int relink(const Session& session, const RelinkArguments& arguments) {
     outcome.unread = presentation.unread();
     apply_ids(presentation, arguments);
     outcome.not_written = rewrite(presentation, watch, output);
+    require_sound(session, output.temporary(), plan, outcome, arguments.file);
     output.publish();
     for (const std::int32_t index : outcome.not_written) {
         complain(sentence(FileFailure(arguments.out, why_not_written(plan.link(index), index))));

@@ -197,9 +197,4 @@ bool PersistDirectory::any_object_in(std::uint32_t begin, std::uint32_t end) con
     return next != ids_by_offset_.end() && objects_[*next - 1].offset < end;
 }
 
-std::uint32_t PersistDirectory::last_object_before(std::uint32_t end) const {
-    const auto behind = first_at_or_behind(end);
-    return behind == ids_by_offset_.begin() ? kNoOffset : objects_[*std::prev(behind) - 1].offset;
-}
-
 } // namespace ppt

@@ -64,9 +64,6 @@ class PersistDirectory {
     // Whether an object starts in [begin, end).
     bool any_object_in(std::uint32_t begin, std::uint32_t end) const;
 
-    // The greatest offset of an object below `end`, kNoOffset when there is none.
-    std::uint32_t last_object_before(std::uint32_t end) const;
-
   private:
     struct Object {
         std::uint32_t offset = 0;

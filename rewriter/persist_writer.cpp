@@ -12,7 +12,8 @@ namespace ppt {
 
 namespace {
 
-constexpr std::uint32_t kLongestRun = 4095; // what 12 bits of an entry's head hold
+constexpr std::uint32_t kLongestRun = 4095;        // what 12 bits of an entry's head hold
+constexpr std::uint32_t kHighestFirstId = 0xFFFFF; // what the other 20 bits hold
 
 // A record in the copy, found by its moved offset.
 struct OldRecord {
@@ -40,14 +41,10 @@ std::uint32_t moved_unless_zero(const RewriteCopy& copy, std::uint32_t offset) {
 }
 
 // Whether an object, an older user edit or an older persist directory starts at or behind `begin`,
-// or the object before it reaches over it.
-bool belongs_to_something_else(RewriteCopy& copy, std::uint32_t begin) {
-    const PersistDirectory& objects = copy.copy.persist_directory();
-    if (objects.any_object_in(begin, kNoOffset)) {
-        return true;
-    }
-    const std::uint32_t last_object = objects.last_object_before(begin);
-    if (last_object != kNoOffset && read_old_record(copy.copy, last_object).end() > begin) {
+// which is `loaded_begin` in the loaded presentation, or an object reaches over it.
+bool belongs_to_something_else(RewriteCopy& copy, std::uint32_t begin, std::uint32_t loaded_begin) {
+    if (copy.copy.persist_directory().any_object_in(begin, kNoOffset) ||
+        copy.extents.reach_over(loaded_begin)) {
         return true;
     }
     const std::vector<StoredUserEdit>& edits = copy.loaded.user_edits();
@@ -72,10 +69,14 @@ Place find_place(RewriteCopy& copy, const OldRecord& directory, const OldRecord&
     if (!edit_ends_stream) {
         return place;
     }
+    const std::uint32_t loaded_edit = copy.loaded.current_user().offset_to_current_edit;
+    const std::uint32_t loaded_directory =
+        copy.loaded.current_user_edit().offset_of_persist_directory;
     const bool directory_before_edit = directory.end() == edit.position;
-    if (directory_before_edit && !belongs_to_something_else(copy, directory.position)) {
+    if (directory_before_edit &&
+        !belongs_to_something_else(copy, directory.position, loaded_directory)) {
         place.begin = directory.position;
-    } else if (!belongs_to_something_else(copy, edit.position)) {
+    } else if (!belongs_to_something_else(copy, edit.position, loaded_edit)) {
         place.begin = edit.position;
     } else {
         return place;
@@ -122,11 +123,28 @@ void v_shiftUserEditChain(RewriteCopy& copy) {
     }
 }
 
+namespace {
+
+// Ids above the highest that can be the first of an entry need one that begins there.
+void list_up_to_the_highest(std::vector<bool>& listed) {
+    if (listed.size() > kHighestFirstId &&
+        std::find(listed.begin() + kHighestFirstId, listed.end(), true) != listed.end()) {
+        std::fill(listed.begin() + (kHighestFirstId - 1), listed.end(), true);
+    }
+}
+
+} // namespace
+
 bytes::Bytes n_buildPersistDirectory(const PersistDirectory& directory,
                                      std::uint32_t first_moved_offset) {
     bytes::Bytes body;
     const std::uint32_t count = static_cast<std::uint32_t>(directory.count());
     std::vector<bool> listed(count, true);
+    if (state().keeps_going()) { // what was left out stays without an object
+        for (std::uint32_t id = 1; id <= count; ++id) {
+            listed[id - 1] = directory.is_listed(id);
+        }
+    }
     if (first_moved_offset != 0 && count != 0) {
         listed = directory.ids_of_newest_block();
         for (std::uint32_t id = 1; id <= count; ++id) {
@@ -135,9 +153,13 @@ bytes::Bytes n_buildPersistDirectory(const PersistDirectory& directory,
             listed[id - 1] = listed[id - 1] || moved;
         }
     }
+    list_up_to_the_highest(listed);
     for (std::uint32_t first = 1; first <= count;) {
+        // Higher ids are all in the entry of the highest first id.
+        const std::uint32_t end =
+            first < kHighestFirstId ? std::min(count + 1, kHighestFirstId) : count + 1;
         std::uint32_t run = 0;
-        while (run < kLongestRun && first + run <= count && listed[first + run - 1]) {
+        while (run < kLongestRun && first + run < end && listed[first + run - 1]) {
             ++run;
         }
         if (run == 0) {

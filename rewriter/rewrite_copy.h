@@ -8,6 +8,7 @@
 #include "plugin/state.h"
 #include "reader/presentation.h"
 #include "rewriter/copy_writer.h"
+#include "rewriter/object_extents.h"
 #include "rewriter/shift_table.h"
 
 #include <cstddef>
@@ -21,6 +22,7 @@ struct RewriteCopy {
         : loaded(loaded_presentation)
         , copy(copy_presentation)
         , writer(copy_presentation.ps_getDocumentStream())
+        , extents(loaded_presentation)
         , written_links(state().links.links().size()) {}
 
     bool has_written() const { return written; }
@@ -45,6 +47,7 @@ struct RewriteCopy {
     PptPresentation& copy;
     CopyWriter writer; // on the copy's document stream
     ShiftTable shifts;
+    ObjectExtents extents; // of the objects visited so far
     // By table index: the links whose picture name, displayed text or OLE source was written.
     std::vector<bool> written_links;
 

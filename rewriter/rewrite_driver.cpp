@@ -2,6 +2,7 @@
 
 #include "common_new/common/storage.h"
 #include "plugin/document_path.h"
+#include "plugin/error_params.h"
 #include "plugin/link_table.h"
 #include "plugin/state.h"
 #include "plugin/status.h"
@@ -18,6 +19,8 @@
 namespace ppt {
 
 namespace {
+
+constexpr std::uint64_t kLargestStream = 0x7FFFFFFF;
 
 // The size change of one object; 0 for an object that is not rewritten and keeps its bytes.
 std::int32_t n_rewritePersistObject(RewriteCopy& copy, std::uint32_t id, std::uint32_t old_offset,
@@ -133,6 +136,8 @@ void rewrite_objects(RewriteCopy& copy, std::int32_t flags) {
         if (leads_nowhere(copy, offset)) {
             continue;
         }
+        const bool lies_inside_another = copy.extents.reach_over(offset);
+        copy.extents.add(copy.loaded, offset);
         const std::vector<std::uint32_t> ids = objects.ids_at(offset);
         if (copy.has_written()) {
             move_up_to(copy, offset);
@@ -146,6 +151,9 @@ void rewrite_objects(RewriteCopy& copy, std::int32_t flags) {
         const std::int32_t change =
             rewrite_or_keep(copy, holder_among(ids, document), offset, flags);
         if (change != 0) {
+            if (lies_inside_another || copy.extents.have_list_in(offset, copy.loaded_position)) {
+                throw static_cast<int>(status::kDamaged);
+            }
             copy.shifts.add(offset, change);
         }
     }
@@ -184,9 +192,19 @@ std::int32_t write_current_user(PptPresentation& copy) {
     return status;
 }
 
+// The stream is copied and cut by its size, which offsets have to reach.
+void require_whole_stream(PptPresentation& loaded) {
+    const std::uint64_t size = loaded.document_size();
+    if (size != loaded.readable_size() || size > kLargestStream) {
+        v_setErrorParamText(document_path());
+        throw static_cast<int>(status::kDamaged);
+    }
+}
+
 } // namespace
 
 std::int32_t j_rewriteLinks(PptPresentation& copy_presentation, std::int32_t flags) {
+    require_whole_stream(*state().presentation);
     RewriteCopy copy(*state().presentation, copy_presentation);
     rewrite_objects(copy, flags);
     state().links_not_written =

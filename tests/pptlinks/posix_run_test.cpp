@@ -124,6 +124,14 @@ TEST_F(RelinkRun, AnUnknownDriveIsTold) {
     expect_nothing_written(relink({}, "Q:\\out.ppt"), 1, "name it with --drive");
 }
 
+// Names of presentations are found without regard to letter case, with either separator.
+TEST_F(RelinkRun, ThePresentationIsKnownByAnyOfItsNames) {
+    for (const char* name : {"IN.PPT", ".\\in.ppt", "./In.ppt"}) {
+        expect_nothing_written(run({"relink", name, "-o", "in.ppt", "--set", "0=D:\\new.ppt"}), 1,
+                               "in.ppt: this is the presentation itself");
+    }
+}
+
 TEST_F(RelinkRun, ADeviceIsNeitherReadNorReplaced) {
     EXPECT_EQ(run({"list", "/dev/full"}).status, 1);
     expect_nothing_written(relink({}, "/dev/null"), 1, "/dev/null: this is not a plain file");
