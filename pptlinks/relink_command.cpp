@@ -56,6 +56,7 @@ RelinkPlan make_plan(const LoadedPresentation& presentation, const RelinkArgumen
         plan.add(presentation.link(i));
     }
     plan.apply(path_wishes(arguments));
+    plan.require_separate_ids(arguments.ids);
     if (!plan.inseparable().empty()) {
         throw FileFailure(
             arguments.file,

@@ -1,11 +1,14 @@
 #include "pptlinks/relink_plan.h"
 
+#include "common_new/SafeFunc/paths.h"
 #include "pptlinks/failure.h"
 
 #include <algorithm>
 #include <numeric>
 #include <optional>
+#include <string_view>
 #include <tuple>
+#include <utility>
 
 namespace pptlinks {
 
@@ -29,6 +32,16 @@ const std::string* path_set_for(std::span<const std::int32_t> uses, const PathWi
         named = use;
     }
     return path;
+}
+
+// Without its leading zeros; empty for an id that is cleared.
+std::string_view digits_of(const std::string& id) {
+    return std::string_view(id).substr(std::min(id.find_first_not_of('0'), id.size()));
+}
+
+[[noreturn]] void refuse_ids(std::int32_t first, std::int32_t second, const std::string& why) {
+    throw UsageError("--set-id: links " + std::to_string(first) + " and " + std::to_string(second) +
+                     why);
 }
 
 } // namespace
@@ -68,6 +81,40 @@ void RelinkPlan::apply(const PathWishes& wishes) {
         apply_to(Uses(order).subspan(start, end - start), wishes);
         start = end;
     }
+}
+
+void RelinkPlan::require_separate_ids(const std::vector<IndexedValue>& ids) const {
+    std::map<std::int32_t, std::string_view> of_link;
+    std::map<std::pair<std::int32_t, std::uint32_t>, const IndexedValue*> of_object;
+    std::map<std::string_view, const IndexedValue*> by_id;
+    for (const IndexedValue& wish : ids) {
+        const PlannedLink& named = link(wish.index);
+        const std::string_view id = digits_of(wish.value);
+        if (of_link.try_emplace(wish.index, id).first->second != id) {
+            throw UsageError("--set-id: link " + std::to_string(wish.index) +
+                             " cannot get two different ids");
+        }
+        if (named.object_list_ordinal >= 0) {
+            const std::pair object(named.object_list_ordinal, named.external_object_id);
+            const IndexedValue& other = *of_object.try_emplace(object, &wish).first->second;
+            if (digits_of(other.value) != id) {
+                refuse_ids(other.index, wish.index, " are one object and cannot get different ids");
+            }
+        }
+        const IndexedValue& other = *by_id.try_emplace(id, &wish).first->second;
+        if (!id.empty() && !have_one_path(other.index, wish.index)) {
+            refuse_ids(other.index, wish.index,
+                       " have different paths and cannot get the same id: an id belongs to one "
+                       "path");
+        }
+    }
+}
+
+bool RelinkPlan::have_one_path(std::int32_t a, std::int32_t b) const {
+    const auto path = [](const PlannedLink& link) {
+        return ppt::ascii_lower(link.new_path == nullptr ? *link.path : *link.new_path);
+    };
+    return path(link(a)) == path(link(b));
 }
 
 void RelinkPlan::apply_to(Uses uses, const PathWishes& wishes) {

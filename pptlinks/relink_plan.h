@@ -40,6 +40,11 @@ class RelinkPlan {
     // different paths. Every index in `wishes` is that of a link.
     void apply(const PathWishes& wishes);
 
+    // Throws UsageError when ids cannot be told apart or kept as asked: two for one link or for
+    // uses of one object, or one for links with different paths. Call it when `apply` is done.
+    // Every index is that of a link.
+    void require_separate_ids(const std::vector<IndexedValue>& ids) const;
+
     // Takes back what was asked for a link.
     void leave(std::int32_t index) { at(index).new_path = nullptr; }
 
@@ -61,6 +66,8 @@ class RelinkPlan {
     const std::string* kept(const std::string& text) { return &*texts_.insert(text).first; }
     bool is_before(std::int32_t a, std::int32_t b) const;
     bool change_together(std::int32_t a, std::int32_t b) const;
+    // When the plan is carried out; letter case does not tell paths apart.
+    bool have_one_path(std::int32_t a, std::int32_t b) const;
     bool are_different_objects(Uses uses) const;
     void apply_to(Uses uses, const PathWishes& wishes);
 

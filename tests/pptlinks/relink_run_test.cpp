@@ -61,6 +61,19 @@ TEST_F(RelinkRun, WhatCannotBeMeantIsWrongUsage) {
     expect_nothing_written(run({"relink", "in.ppt"}), 2, "output");
 }
 
+TEST_F(RelinkRun, IdsThatCannotBeKeptApartAreWrongUsage) {
+    expect_nothing_written(relink({"--set-id", "0=5", "--set-id", "0=6"}), 2,
+                           "link 0 cannot get two different ids");
+    expect_nothing_written(relink({"--set-id", "0=5", "--set-id", "2=6"}), 2,
+                           "links 0 and 2 are one object and cannot get different ids");
+    expect_nothing_written(relink({"--set-id", "0=5", "--set-id", "1=05"}), 2,
+                           "an id belongs to one path");
+    const RunResult result =
+        relink({"--set", "3=c:\\OLD\\a.doc", "--set-id", "0=5", "--set-id", "2=5", "--set-id",
+                "3=5", "--set-id", "1=0", "--set-id", "4=0"});
+    EXPECT_EQ(result.status, 0) << "one path, and ids that are cleared: " << result.error;
+}
+
 TEST_F(RelinkRun, PicturesAndDisplayedTextsChangeToo) {
     const RunResult result =
         relink({"--map", "C:=D:", "--set", "3=http://example.org/new/", "--options", "h"});
