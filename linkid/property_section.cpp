@@ -6,6 +6,7 @@
 #include "plugin/failure.h"
 #include "plugin/link_record.h"
 #include "plugin/status.h"
+#include "reader/readable_size.h"
 
 #include <algorithm>
 #include <array>
@@ -104,6 +105,15 @@ std::uint64_t PropertySection::stream_size() const {
     STATSTG stat{};
     require_success(j_translateComError(stream_->Stat(&stat, STATFLAG_NONAME)));
     return stat.cbSize.QuadPart;
+}
+
+bool PropertySection::stream_is_cut() const {
+    if (!stream_) {
+        return false;
+    }
+    const std::uint64_t claimed = stream_size();
+    const std::uint64_t readable = n_readableSize(stream_.get(), claimed);
+    return readable > 0 && readable < claimed;
 }
 
 void PropertySection::for_each(const std::function<bool(const Name&, PROPID)>& visit) {

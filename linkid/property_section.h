@@ -57,6 +57,10 @@ class PropertySection {
     // Of the whole stream, in bytes.
     std::uint64_t stream_size() const;
 
+    // Whether the stream can be read at its start, but not as far as it claims to go. Also known
+    // when the section could not be opened.
+    bool stream_is_cut() const;
+
     // VT_EMPTY when there is no such property.
     void read(const std::basic_string<WCHAR>& name, PropertyValue& value);
 

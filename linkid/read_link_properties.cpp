@@ -188,20 +188,34 @@ class PropertyReader {
     std::uint64_t most_bytes_ = 0;
 };
 
+// Whether the load ends although it leaves out what is damaged: a disk that cannot be read is no
+// damage, but a stream that ends before its size looks like one to the calls that read it.
+bool ends_every_load(std::int32_t failure, const PropertySection& section) {
+    if (!state().keeps_going() || b_liesInObject(failure)) {
+        return false;
+    }
+    bool is_cut = false;
+    if (failure == status::kReadFault) {
+        status_or(status::kDamaged, [&] {
+            is_cut = section.stream_is_cut();
+            return status::kSuccess;
+        });
+    }
+    return !is_cut;
+}
+
 } // namespace
 
 std::int32_t j_readLinkIdsFromProperties(IStorage* root, std::int32_t flags) {
     v_logLine("Retrieving linkIDs from Document Properties");
+    PropertySection section;
     try {
-        PropertySection section;
         if (section.open_for_reading(root)) {
             PropertyReader(section, flags).read_all();
         }
         return status::kSuccess;
     } catch (int failure) {
-        // A disk that cannot be read is no damage that a load may leave out.
-        const bool ends_every_load = state().keeps_going() && !b_liesInObject(failure);
-        if (is_out_of_memory(failure) || ends_every_load) {
+        if (is_out_of_memory(failure) || ends_every_load(failure, section)) {
             return failure;
         }
         v_setErrorParamText(document_path());

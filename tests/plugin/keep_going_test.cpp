@@ -385,6 +385,33 @@ TEST_F(KeepGoingTest, DocumentPropertiesThatCannotBeReadAreCopied) {
     EXPECT_EQ(rewrite("other.ppt"), status::kPropertiesFailed);
 }
 
+TEST_F(KeepGoingTest, DocumentPropertiesThatEndTooEarlyAreLeftOut) {
+    constexpr std::size_t kSizeInEntry = 120; // of a stream, in its directory entry
+    Deck deck;
+    deck.add_slide().shape(Shape().link(deck.hyperlink(u"http://a/")));
+    deck.properties(PropertyStream().text(u"MORVANE-LINK-ID", u"5").build());
+    deck.write(path("deck.ppt"));
+    std::string file = bytes_of("deck.ppt");
+    std::string name;
+    for (const char16_t unit : kProperties) {
+        name += {static_cast<char>(unit), '\0'};
+    }
+    const std::size_t entry = file.find(name);
+    ASSERT_NE(entry, std::string::npos);
+    file.replace(entry + kSizeInEntry, 2, {'\xA0', '\x0F'}); // 4000
+    std::ofstream(path("cut.ppt"), std::ios::binary) << file;
+
+    start("het");
+    EXPECT_EQ(load_again("cut.ppt"), status::kPropertiesFailed);
+    start("hetk");
+    ASSERT_EQ(load_again("cut.ppt"), 0) << error_params();
+    EXPECT_EQ(error_params(), "1|7280|properties|0");
+    EXPECT_EQ(link_paths(), Paths{"http://a/"});
+    relink_loaded({{0, u"http://b/"}});
+    ASSERT_EQ(load_again("out.ppt"), 0);
+    EXPECT_EQ(link_paths(), Paths{"http://b/"});
+}
+
 TEST_F(KeepGoingTest, TheFirstHundredAreNamedAndAllAreCounted) {
     Deck deck;
     for (int i = 0; i < 150; ++i) {
