@@ -135,7 +135,7 @@ std::vector<BoxText::Change> BoxText::changes_of(const std::vector<const LinkRec
 }
 
 // What the link covers of this text, without the paragraph marks at its end: replacing those would
-// join two paragraphs.
+// join two paragraphs. A link that covers no more than such marks has no words to replace.
 bool BoxText::find_range(const LinkRecord& link, Change& change) {
     const bool is_range = link.text_range_start >= 0 &&
                           link.text_range_start <= link.text_range_end &&
@@ -146,8 +146,8 @@ bool BoxText::find_range(const LinkRecord& link, Change& change) {
     change.link = &link;
     change.start = static_cast<std::uint32_t>(link.text_range_start);
     const std::uint32_t end = std::min(static_cast<std::uint32_t>(link.text_range_end), length_);
-    change.end = std::max(change.start, end_of_words(end));
-    return true;
+    change.end = end_of_words(end);
+    return change.start < change.end;
 }
 
 // Where the paragraph marks in front of `end` begin. Many ranges may end in the same stretch of

@@ -159,6 +159,42 @@ TEST_F(ClientTextTest, ParagraphMarkAtTheEndOfARangeStays) {
     EXPECT_EQ(not_written(), Indexes{});
 }
 
+TEST_F(ClientTextTest, LinkWithoutWordsOfItsOwnGetsNone) {
+    struct Range {
+        std::uint32_t start, end;
+    };
+    for (const char* const options : {"h", "ht"}) {
+        start(options);
+        // Paragraph marks alone, nothing, and an end in front of its start.
+        for (const Range& range : {Range{3, 4}, Range{3, 3}, Range{6, 2}}) {
+            const auto deck = [&](const Texts& targets, const std::u16string& words) {
+                const auto size = static_cast<std::uint32_t>(words.size());
+                return deck_of(targets, Text(u"one\rtwo " + words)
+                                            .link(1, range.start, range.end)
+                                            .link(2, 8, 8 + size));
+            };
+            Deck before = deck({u"C:\\a.doc", u"C:\\b.doc"}, u"C:\\b.doc");
+            Deck after = deck({u"D:\\new", u"D:\\other"}, u"D:\\other");
+            expect_relinked(before, {{0, u"D:\\new"}, {1, u"D:\\other"}}, after);
+            EXPECT_EQ(not_written(), Indexes{0}) << options << ' ' << range.start;
+        }
+    }
+}
+
+TEST_F(ClientTextTest, RangeThatReachesFarBehindTheTextStaysInOrder) {
+    Action jump;
+    jump.hyperlink_id = 1;
+    jump.hyperlink_type = 7;
+    const auto deck = [&](const std::u16string& target) {
+        const auto size = static_cast<std::uint32_t>(target.size());
+        return deck_of({target},
+                       Text(target + u" next").link(1, 0, size).link(jump, size, 0xFFFFFFFF));
+    };
+    Deck before = deck(u"C:\\a.doc");
+    Deck after = deck(u"D:\\longer.doc");
+    expect_relinked(before, {{0, u"D:\\longer.doc"}}, after);
+}
+
 TEST_F(ClientTextTest, OptionsDecideWhichTextsFollowTheirPath) {
     const Texts old_targets = {u"C:\\a.doc", u"C:\\b.doc"};
     const Texts new_targets = {u"D:\\long\\a.doc", u"D:\\b.doc"};
