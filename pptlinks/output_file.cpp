@@ -16,16 +16,20 @@ std::string reason(const std::error_code& error) {
     return " (" + error.message() + ")";
 }
 
-// The file that OUT names through symbolic links, if there is one. A Windows path stays as it is:
+// The file that OUT names through symbolic links, if there are any. A Windows path stays as it is:
 // the plug-in knows the copy by its folder there.
 FileName follow_links(FileName out) {
     std::error_code missing;
-    if (!out.is_windows_path && std::filesystem::is_symlink(fs_path(out.native), missing)) {
-        const std::string target =
-            native_name(std::filesystem::canonical(fs_path(out.native), missing));
-        if (!missing) {
-            out.native = target;
-        }
+    if (!std::filesystem::is_symlink(fs_path(out.native), missing)) {
+        return out;
+    }
+    const std::filesystem::path target = std::filesystem::canonical(fs_path(out.native), missing);
+    if (missing) {
+        throw FileFailure(out.typed, "this is a symbolic link that leads to nothing; remove it or "
+                                     "choose another name");
+    }
+    if (!out.is_windows_path) {
+        out.native = native_name(target);
     }
     return out;
 }

@@ -13,7 +13,7 @@ class OutputFile {
     // Looks whether `out` can be made from `source` and throws FileFailure when not: it is the
     // source itself, a folder or no plain file, may not be written, or its folder is missing.
     // Creates nothing yet. A symbolic link is followed (unless OUT is a Windows path), so the file
-    // that it names is replaced.
+    // that it names is replaced; one that leads to nothing is refused.
     OutputFile(const FileName& source, const FileName& out);
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;

@@ -67,6 +67,20 @@ TEST_F(RelinkRun, ANewFileHasOrdinaryPermissionsAReplacedOneKeepsItsOwn) {
     EXPECT_EQ(content(path("old.ppt")), content(path("out.ppt")));
 }
 
+TEST_F(RelinkRun, ALinkThatLeadsNowhereIsNoOutput) {
+    std::filesystem::create_symlink("missing/target.ppt", path("dangling.ppt"));
+    std::filesystem::create_symlink("loop.ppt", path("loop.ppt"));
+    for (const char* const out : {"dangling.ppt", "loop.ppt"}) {
+        const RunResult result = relink({"--map", "C:\\old=D:"}, out);
+        EXPECT_EQ(result.status, 1);
+        EXPECT_NE(result.error.find("a symbolic link that leads to nothing; remove it"),
+                  std::string::npos)
+            << result.error;
+        EXPECT_TRUE(std::filesystem::is_symlink(path(out)));
+    }
+    EXPECT_EQ(names_in_folder(), (Paths{"dangling.ppt", "in.ppt", "loop.ppt"}));
+}
+
 // For its lifetime no file grows beyond the size.
 class SizeLimit {
   public:
