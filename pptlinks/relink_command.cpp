@@ -16,6 +16,9 @@ namespace pptlinks {
 namespace {
 
 std::string ansi_wish(const std::string& text, const std::string& option) {
+    if (utf8_from_wide(wide_from_utf8(text)) != text) {
+        throw UsageError(option + ": '" + text + "' is not valid UTF-8");
+    }
     const std::optional<std::string> ansi = ansi_from_utf8(text);
     if (!ansi) {
         throw UsageError(option + ": '" + text +
@@ -151,11 +154,16 @@ int relink(const Session& session, const RelinkArguments& arguments) {
     outcome.not_written = rewrite(presentation, watch, output);
     require_sound(session, output.temporary(), plan, outcome, arguments.file);
     output.publish();
+    for (const std::int32_t index : plan.not_known_whole()) {
+        complain(sentence(FileFailure(arguments.out, why_not_mapped(plan.link(index), index))));
+    }
     for (const std::int32_t index : outcome.not_written) {
         complain(sentence(FileFailure(arguments.out, why_not_written(plan.link(index), index))));
     }
     print_report(arguments, plan, outcome);
-    return outcome.not_written.empty() && outcome.unread.count == 0 ? 0 : kExitFailed;
+    const bool all_done =
+        plan.not_known_whole().empty() && outcome.not_written.empty() && outcome.unread.count == 0;
+    return all_done ? 0 : kExitFailed;
 }
 
 } // namespace

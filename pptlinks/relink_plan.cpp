@@ -2,6 +2,8 @@
 
 #include "common_new/SafeFunc/paths.h"
 #include "pptlinks/failure.h"
+#include "pptlinks/target_check.h"
+#include "pptlinks/text_encoding.h"
 
 #include <algorithm>
 #include <numeric>
@@ -44,6 +46,21 @@ std::string_view digits_of(const std::string& id) {
                      why);
 }
 
+// Whether the path holds what stands for a character that the code page lacks: no file's path has a
+// '?' but in front of its drive or share, nor U+FFFD.
+bool has_substitute(const std::string& path) {
+    constexpr std::string_view kLongPath = "\\\\?\\";
+    constexpr WCHAR kReplacement = 0xFFFD;
+    const std::size_t start = path.starts_with(kLongPath) ? kLongPath.size() : 0;
+    const WideString wide = wide_from_ansi(std::string_view(path).substr(start));
+    return std::any_of(wide.begin(), wide.end(),
+                       [](WCHAR unit) { return unit == '?' || unit == kReplacement; });
+}
+
+bool keeps_substitute(const std::string& path, const std::string& mapped) {
+    return !is_address(path) && has_substitute(path) && has_substitute(mapped);
+}
+
 } // namespace
 
 void RelinkPlan::add(const Link& link) {
@@ -81,6 +98,7 @@ void RelinkPlan::apply(const PathWishes& wishes) {
         apply_to(Uses(order).subspan(start, end - start), wishes);
         start = end;
     }
+    std::sort(not_known_whole_.begin(), not_known_whole_.end());
 }
 
 void RelinkPlan::require_separate_ids(const std::vector<IndexedValue>& ids) const {
@@ -123,15 +141,21 @@ void RelinkPlan::apply_to(Uses uses, const PathWishes& wishes) {
     const std::string* looked_at = nullptr;
     std::optional<std::string> mapped;
     bool all_named = true;
+    bool is_known_whole = true;
     for (const std::int32_t use : uses) {
         if (looked_at != link(use).path) {
             looked_at = link(use).path;
             mapped = map_path(wishes.maps, *looked_at);
+            is_known_whole = is_known_whole && !(mapped && keeps_substitute(*looked_at, *mapped));
         }
         all_named = all_named && (mapped || wishes.paths.contains(use));
         if (new_path == nullptr && mapped) {
             new_path = kept(*mapped);
         }
+    }
+    if (set_path == nullptr && !is_known_whole) {
+        not_known_whole_.insert(not_known_whole_.end(), uses.begin(), uses.end());
+        return;
     }
     if (new_path == nullptr) {
         return;

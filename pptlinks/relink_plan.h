@@ -38,6 +38,9 @@ class RelinkPlan {
     // A path that was set wins over the map. Uses of one external object get one path: the one set
     // for any of them, else the first mapped one. Throws UsageError when two of them are set to
     // different paths. Every index in `wishes` is that of a link.
+    //
+    // A path that the code page could not hold is only known with other characters in place of some
+    // of its own, which a map would make its name. It is not mapped unless that part goes.
     void apply(const PathWishes& wishes);
 
     // Throws UsageError when ids cannot be told apart or kept as asked: two for one link or for
@@ -57,6 +60,8 @@ class RelinkPlan {
     // Uses of different objects that the presentation keeps in one list, which takes a single path
     // for all of them; empty when no such list was to change.
     const std::vector<std::int32_t>& inseparable() const { return inseparable_; }
+    // Links that were not mapped since their paths are not known whole; ascending.
+    const std::vector<std::int32_t>& not_known_whole() const { return not_known_whole_; }
 
   private:
     // Indexes of the links that change together, ascending.
@@ -75,6 +80,7 @@ class RelinkPlan {
     std::vector<PlannedLink> links_;
     std::vector<std::vector<std::int32_t>> joined_;
     std::vector<std::int32_t> inseparable_;
+    std::vector<std::int32_t> not_known_whole_;
 };
 
 } // namespace pptlinks

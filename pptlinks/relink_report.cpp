@@ -106,6 +106,10 @@ void Report::add_counts() {
     if (outcome_.same > 0) {
         out_ += ", " + std::to_string(outcome_.same) + " unchanged (same path)";
     }
+    if (!plan_.not_known_whole().empty()) {
+        out_ += ", " + std::to_string(plan_.not_known_whole().size()) +
+                " unchanged (characters not in the code page)";
+    }
     if (kept > 0) {
         out_ += ", " + std::to_string(kept) + " unchanged (could not be written)";
     }
@@ -119,6 +123,12 @@ void Report::add_counts() {
         out_ += ", id of the presentation set";
     }
     out_ += summary_of(outcome_.unread) + '\n';
+}
+
+// "link 3 (picture C:\\map.wmf) "
+std::string which_link(const PlannedLink& link, std::int32_t index) {
+    return "link " + std::to_string(index) + " (" + std::string(name_of(link.kind)) + ' ' +
+           utf8_from_wide(wide_from_ansi(*link.path)) + ") ";
 }
 
 void Report::print_all() {
@@ -136,10 +146,15 @@ void print_report(const RelinkArguments& arguments, const RelinkPlan& plan,
     Report(arguments, plan, outcome).print_all();
 }
 
+std::string why_not_mapped(const PlannedLink& link, std::int32_t index) {
+    return which_link(link, index) +
+           "keeps its path, because that has characters that the code page in use does not have; "
+           "give the new path with --set" +
+           kOrChangeCodePage;
+}
+
 std::string why_not_written(const PlannedLink& link, std::int32_t index) {
-    const std::string which = "link " + std::to_string(index) + " (" +
-                              std::string(name_of(link.kind)) + ' ' +
-                              utf8_from_wide(wide_from_ansi(*link.path)) + ") ";
+    const std::string which = which_link(link, index);
     switch (link.kind) {
     case LinkKind::hyperlink:
         return which + "leads to its new path, but the text that shows it could not be changed; "

@@ -17,6 +17,8 @@ inline constexpr const char* kTrustTargets = "";
 // What a user can do about a name or text that the code page does not have.
 inline constexpr const char* kChangeCodePage =
     "choose a name that the code page of this system has";
+// What else than naming the whole path a user can do about one that the code page does not have.
+inline constexpr const char* kOrChangeCodePage = "";
 // About a folder that is not there.
 inline constexpr const char* kFindFolder = "check the path, and connect its drive or share";
 // About the source of a linked object that is not there.
@@ -35,6 +37,7 @@ inline constexpr const char* kTrustTargets =
 )";
 
 inline constexpr const char* kChangeCodePage = "choose another --code-page";
+inline constexpr const char* kOrChangeCodePage = ", or choose another --code-page";
 inline constexpr const char* kFindFolder =
     "check the path, and name its drive or share with --drive";
 inline constexpr const char* kFindSource =

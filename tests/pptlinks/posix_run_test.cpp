@@ -134,6 +134,25 @@ TEST_F(RelinkRun, TheWordOfTheUserIsEnoughForTheSourceOfAnObject) {
     EXPECT_EQ(listed_paths("new.ppt"), Paths{"C:\\old\\book.xls"});
 }
 
+TEST_F(RelinkRun, AMapLeavesWhatTheCodePageLacks) {
+    Deck deck;
+    const std::uint32_t foreign = deck.hyperlink(u"C:\\\u65E5\\b.ppt");
+    const std::uint32_t plain = deck.hyperlink(u"C:\\a.ppt");
+    deck.add_slide().shape(Shape().link(foreign)).shape(Shape().link(plain));
+    deck.write(path("foreign.ppt"));
+    const RunResult result =
+        run({"relink", "foreign.ppt", "-o", "new.ppt", "--map", "C:=D:", "--code-page", "1252"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out, "1: C:\\a.ppt -> D:\\a.ppt\n"
+                          "new.ppt: 1 of 2 links changed, 1 unchanged (characters not in the code "
+                          "page)\n");
+    EXPECT_TRUE(result.error.starts_with(
+        "pptlinks: new.ppt: link 0 (hyperlink C:\\?\\b.ppt) keeps its path"))
+        << result.error;
+    EXPECT_NE(result.error.find("--set, or choose another --code-page"), std::string::npos);
+    EXPECT_EQ(listed_paths("new.ppt"), (Paths{"C:\\\u65E5\\b.ppt", "D:\\a.ppt"}));
+}
+
 TEST_F(RelinkRun, AnUnknownDriveIsTold) {
     expect_nothing_written(relink({}, "Q:\\out.ppt"), 1, "name it with --drive");
 }

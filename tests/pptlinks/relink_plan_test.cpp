@@ -73,5 +73,19 @@ TEST(RelinkPlan, VideosOfOneListAreKeptApart) {
     EXPECT_TRUE(plan_of(links, {{}, {{"E:", "F:"}}}).inseparable().empty());
 }
 
+TEST(RelinkPlan, APathThatIsNotKnownWholeIsOnlySet) {
+    const std::vector<Link> links{link_to("C:\\??\\b", 0), link_to("http://a/b?c", 1),
+                                  link_to("C:\\\xEF\xBF\xBD", 2), link_to("C:\\??\\b", 3),
+                                  link_to("\\\\?\\C:\\a", 4)};
+    const RelinkPlan plan = plan_of(
+        links, {{{3, "X"}}, {{"C:", "D:"}, {"http://a", "http://b"}, {"\\\\?\\C:", "\\\\?\\D:"}}});
+    EXPECT_EQ(new_paths(plan), (Paths{{}, "http://b/b?c", {}, "X", "\\\\?\\D:\\a"}));
+    EXPECT_EQ(plan.not_known_whole(), (std::vector<std::int32_t>{0, 2}));
+
+    const RelinkPlan replaced = plan_of(links, {{}, {{"C:\\??", "D:"}}});
+    EXPECT_EQ(new_paths(replaced), (Paths{"D:\\b", {}, {}, "D:\\b", {}}));
+    EXPECT_TRUE(replaced.not_known_whole().empty());
+}
+
 } // namespace
 } // namespace pptlinks

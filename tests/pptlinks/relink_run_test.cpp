@@ -58,6 +58,8 @@ TEST_F(RelinkRun, WhatCannotBeMeantIsWrongUsage) {
                            "links 0 and 2 are one object");
     expect_nothing_written(relink({"--set", "1=X:\\a", "--set", "1=X:\\b"}), 2, "link 1");
     expect_nothing_written(relink({"--set", "1=\u4E2D", "--code-page", "1252"}), 2, "--set");
+    expect_nothing_written(relink({"--set", "1=X:\\\xFF"}), 2, "not valid UTF-8");
+    expect_nothing_written(relink({"--map", "C:=X:\\\xED\xA0\x80"}), 2, "not valid UTF-8");
     expect_nothing_written(run({"relink", "in.ppt"}), 2, "output");
 }
 
