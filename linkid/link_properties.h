@@ -21,9 +21,8 @@ std::int32_t j_readLinkIdsFromProperties(IStorage* root, std::int32_t flags);
 
 // Stores ids and targets in the copy whose root storage is given, by the same bits; creates the
 // stream and the section where they are missing. A failure after the section was opened ends the
-// step that it befell and is not undone. The result is that of the section's commit or, after a
-// good one, 7280 when ids that were set, stood on pages or belong to changed paths could not be
-// stored. Throws, as an `int`, when the name of the copy cannot be had or memory runs out.
+// step that it befell and is not undone; the result is then that of the section's commit. Throws,
+// as an `int`, when the name of the copy cannot be had or memory runs out.
 std::int32_t j_writeLinkIdsToProperties(IStorage* root, std::int32_t flags);
 
 } // namespace ppt

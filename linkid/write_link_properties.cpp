@@ -175,22 +175,6 @@ class PropertyWriter {
     // What has to be written does not fit; nothing more was written then.
     const Room& room() const { return room_; }
 
-    // Whether an id is lost when `write_ids` fails: one that the rewriting of the records took off
-    // the pages, one that the host set or one whose property holds a path that changed.
-    static bool needs_ids(std::int32_t flags) {
-        const PluginState& plugin = state();
-        if (plugin.ids_in_document ||
-            ((flags & kFlagTargetFileId) != 0 && plugin.target_file_id_set)) {
-            return true;
-        }
-        const std::deque<LinkRecord>& links = plugin.links.links();
-        return (flags & kFlagLinks) != 0 &&
-               std::any_of(links.begin(), links.end(), [](const LinkRecord& link) {
-                   return (link.change_status & kLinkIdChanged) != 0 ||
-                          (link.path_changed() && link.property_id != 0);
-               });
-    }
-
     void write_ids(std::int32_t flags) {
         const bool from_document = state().ids_in_document;
         NewProperties added(room_);
@@ -317,18 +301,16 @@ class PropertyWriter {
 };
 
 // Runs one step; its failure ends the step alone, unless memory ran out or the disk failed. A
-// status code leaves the document path as error parameter. False when the step failed.
+// status code leaves the document path as error parameter.
 template <class Step>
-bool run(Step step) {
+void run(Step step) {
     try {
         step();
-        return true;
     } catch (int failure) {
         if (is_out_of_memory(failure) || is_failed_write(failure)) {
             throw;
         }
         v_setErrorParamText(document_path());
-        return false;
     }
 }
 
@@ -344,19 +326,14 @@ std::int32_t j_writeLinkIdsToProperties(IStorage* root, std::int32_t flags) {
         return failure;
     }
     PropertyWriter writer(section, copy_path);
-    const bool ids_written = run([&] { writer.write_ids(flags); });
+    run([&] { writer.write_ids(flags); });
     run([&] { writer.write_hyperlink_list(flags); });
     if (writer.room().is_exceeded()) {
         v_setErrorParamNumbers(static_cast<std::int32_t>(writer.room().taken()),
                                static_cast<std::int32_t>(writer.room().allowed()));
         return status::kDamaged;
     }
-    const std::int32_t status = j_translateComError(section->Commit(STGC_DEFAULT));
-    if (status == status::kSuccess && !ids_written && PropertyWriter::needs_ids(flags)) {
-        v_setErrorParamText(document_path());
-        return status::kPropertiesFailed;
-    }
-    return status;
+    return j_translateComError(section->Commit(STGC_DEFAULT));
 }
 
 } // namespace ppt

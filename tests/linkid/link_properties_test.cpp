@@ -251,59 +251,6 @@ TEST_F(LinkPropertiesTest, AFileWithoutASummaryStreamGetsOneOnlyInTheCopy) {
     EXPECT_TRUE(StoredFile(path("out.ppt")).streams().contains(name));
 }
 
-// One hyperlink, and properties whose section lists an id twice, so that it cannot be written.
-Deck deck_with_damaged_section(bool with_tag = false) {
-    Deck deck;
-    Page& slide = deck.add_slide();
-    slide.shape(Shape().link(deck.hyperlink(u"C:\\a.doc")));
-    if (with_tag) {
-        slide.tag(u"OBRIN-LINK-NUM=10", u"11");
-    }
-    Bytes stream = PropertyStream()
-                       .text(u"MORVANE-LINK-ID=77%%", u"c:\\a.doc")
-                       .text(u"MORVANE-LINK-ID=78%%", u"c:\\b.doc")
-                       .text(u"Other", u"x")
-                       .text(u"Third", u"y")
-                       .build();
-    const std::size_t section = bytes::load_u32(stream, 28 + 20 + 16);
-    const std::size_t last_id = section + 8 + 8 * (bytes::load_u32(stream, section + 4) - 1);
-    bytes::store_u32(stream, last_id, bytes::load_u32(stream, last_id - 8));
-    return deck.properties(stream);
-}
-
-TEST_F(LinkPropertiesTest, IdsOfPagesAreNotDroppedWhenThePropertiesDoNotTakeThem) {
-    Deck deck = deck_with_damaged_section(true);
-    ASSERT_EQ(load(deck), 0) << error_params();
-    ASSERT_TRUE(state().ids_in_document);
-    ASSERT_EQ(j_setLinkFileName(0, "D:\\n.doc", 0), 0);
-    EXPECT_EQ(rewrite("out.ppt"), status::kPropertiesFailed);
-    EXPECT_EQ(error_params(), path("deck.ppt"));
-}
-
-TEST_F(LinkPropertiesTest, ARewriteFailsWhenAnIdCannotBeStored) {
-    Deck deck = deck_with_damaged_section();
-    const id64 own = id(99);
-    const auto after = [&](auto change, std::int32_t flags = 3) {
-        EXPECT_EQ(load(deck), 0) << error_params();
-        EXPECT_EQ(link_id(0), 77u);
-        change();
-        return rewrite("out.ppt", flags);
-    };
-    for (const std::uint32_t value : {4242u, 0u}) {
-        const id64 given = id(value);
-        EXPECT_EQ(after([&] { j_setLinkId(0, 0, &given); }), status::kPropertiesFailed) << value;
-    }
-    EXPECT_EQ(after([&] { j_setTargetFileId(0, &own); }), status::kPropertiesFailed);
-    EXPECT_EQ(after([] { j_setLinkFileName(0, "D:\\n.doc", 0); }), status::kPropertiesFailed)
-        << "the id belongs to the old path";
-
-    // What no flag asks for need not be stored, and without ids the properties stay as they are.
-    EXPECT_EQ(after([&] { j_setTargetFileId(0, &own); }, 1), 0);
-    EXPECT_EQ(after([] {}), 0);
-    const std::u16string name(presentation_builder::kDocumentSummaryInformation);
-    EXPECT_EQ(StoredFile(path("out.ppt")).stream(name), StoredFile(path("deck.ppt")).stream(name));
-}
-
 TEST_F(LinkPropertiesTest, ADamagedHyperlinkListStaysAsItIs) {
     const ListedHyperlink listed[] = {{u"C:\\a.doc"}, {u"C:\\b.doc"}};
     Bytes value = presentation_builder::hyperlink_list(listed);
