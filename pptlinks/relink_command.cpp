@@ -1,6 +1,6 @@
 #include "pptlinks/relink_command.h"
 
-#include "plugin/failure.h"
+#include "pptlinks/copy_check.h"
 #include "pptlinks/file_names.h"
 #include "pptlinks/machine.h"
 #include "pptlinks/messages.h"
@@ -106,36 +106,36 @@ std::vector<std::int32_t> rewrite(LoadedPresentation& presentation, const Source
     }
 }
 
-bool has_all_links(const LoadedPresentation& copy, const RelinkPlan& plan) {
-    const auto count = static_cast<std::int32_t>(plan.links().size());
-    if (copy.link_count() != count) {
-        return false;
+// Throws FileFailure for a copy that nobody should get.
+LostIds read_back(const Session& session, const CopyCheck& check, const OutputFile& output,
+                  const RelinkPlan& plan, const Outcome& outcome, const std::string& file) {
+    const std::optional<LostIds> lost =
+        check.lost_ids(session, output.temporary(), plan, outcome.not_written);
+    if (!lost) {
+        throw FileFailure(file,
+                          "its copy could not be read back with all links, so it was not kept; "
+                          "the presentation is damaged or built in a way that is not "
+                          "understood");
     }
-    for (std::int32_t i = 0; i < count; ++i) {
-        if (copy.link(i).kind != plan.link(i).kind) {
-            return false;
-        }
-    }
-    return true;
+    return *lost;
 }
 
-// Reads the copy back before anybody gets it: a presentation may be built in a way that nobody
-// thought of.
-void require_sound(const Session& session, const std::string& copy_path, const RelinkPlan& plan,
-                   const Outcome& outcome, const std::string& file) {
-    try {
-        const LoadedPresentation copy(session, copy_path);
-        if (copy.unread().count == outcome.unread.count && has_all_links(copy, plan)) {
-            return;
-        }
-    } catch (const StatusFailure& failure) {
-        if (ppt::is_out_of_memory(failure.status)) {
-            throw;
-        }
+// What the user has to know of a copy beside the report.
+void complain_of(const RelinkPlan& plan, const Outcome& outcome, const LostIds& lost,
+                 const std::string& out) {
+    for (const std::int32_t index : plan.not_known_whole()) {
+        complain(sentence(FileFailure(out, why_not_mapped(plan.link(index), index))));
     }
-    throw FileFailure(file,
-                      "its copy could not be read back with all links, so it was not kept; the "
-                      "presentation is damaged or built in a way that is not understood");
+    for (const std::int32_t index : outcome.not_written) {
+        complain(sentence(FileFailure(out, why_not_written(plan.link(index), index))));
+    }
+    for (const std::int32_t index : lost.links) {
+        complain(sentence(FileFailure(out, why_without_id(plan.link(index), index))));
+    }
+    if (lost.own) {
+        complain(sentence(FileFailure(out, "its document properties did not take the id of the "
+                                           "presentation")));
+    }
 }
 
 // Gives the exit status.
@@ -151,18 +151,14 @@ int relink(const Session& session, const RelinkArguments& arguments) {
     outcome.same = apply_paths(presentation, plan);
     outcome.unread = presentation.unread();
     apply_ids(presentation, arguments);
+    const CopyCheck check(presentation);
     outcome.not_written = rewrite(presentation, watch, output);
-    require_sound(session, output.temporary(), plan, outcome, arguments.file);
+    const LostIds lost = read_back(session, check, output, plan, outcome, arguments.file);
     output.publish();
-    for (const std::int32_t index : plan.not_known_whole()) {
-        complain(sentence(FileFailure(arguments.out, why_not_mapped(plan.link(index), index))));
-    }
-    for (const std::int32_t index : outcome.not_written) {
-        complain(sentence(FileFailure(arguments.out, why_not_written(plan.link(index), index))));
-    }
+    complain_of(plan, outcome, lost, arguments.out);
     print_report(arguments, plan, outcome);
-    const bool all_done =
-        plan.not_known_whole().empty() && outcome.not_written.empty() && outcome.unread.count == 0;
+    const bool all_done = plan.not_known_whole().empty() && outcome.not_written.empty() &&
+                          lost.links.empty() && !lost.own && outcome.unread.count == 0;
     return all_done ? 0 : kExitFailed;
 }
 

@@ -153,6 +153,10 @@ std::string why_not_mapped(const PlannedLink& link, std::int32_t index) {
            kOrChangeCodePage;
 }
 
+std::string why_without_id(const PlannedLink& link, std::int32_t index) {
+    return which_link(link, index) + "has lost its id, which the document properties did not take";
+}
+
 std::string why_not_written(const PlannedLink& link, std::int32_t index) {
     const std::string which = which_link(link, index);
     switch (link.kind) {

@@ -28,6 +28,7 @@ void print_report(const RelinkArguments& arguments, const RelinkPlan& plan, cons
 
 // Which link was not mapped or not written, why and what to do; in UTF-8, without a full stop.
 std::string why_not_mapped(const PlannedLink& link, std::int32_t index);
+std::string why_without_id(const PlannedLink& link, std::int32_t index);
 std::string why_not_written(const PlannedLink& link, std::int32_t index);
 
 } // namespace pptlinks

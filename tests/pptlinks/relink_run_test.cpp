@@ -140,6 +140,29 @@ TEST_F(RelinkRun, WhatCannotBeWrittenIsNamedAndTheRestIsWritten) {
                      "Y:\\old\\b.doc"}));
 }
 
+// The section names a property twice, so it keeps its bytes.
+TEST_F(RelinkRun, IdsThatThePropertiesDoNotTakeAreNamed) {
+    Deck deck;
+    deck.add_slide().shape(Shape().link(deck.hyperlink(u"C:\\old\\a.doc")));
+    Bytes properties = PropertyStream()
+                           .text(u"one", u"1")
+                           .text(u"two", u"2")
+                           .blob(u"_PID_HLINKS", hyperlink_list({}))
+                           .build();
+    const std::size_t section = bytes::load_u32(properties, 0x2C + 0x14);
+    const std::size_t entries = section + 8;
+    bytes::store_u32(properties, entries + 8 * 3, bytes::load_u32(properties, entries + 8 * 2));
+    deck.properties(properties);
+    deck.write(path("twice.ppt"));
+    const RunResult result = run({"relink", "twice.ppt", "-o", "out.ppt", "--set-id", "0=4242",
+                                  "--target-id", "99"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.error, "pptlinks: out.ppt: link 0 (hyperlink C:\\old\\a.doc) has lost its id, "
+                            "which the document properties did not take.\n"
+                            "pptlinks: out.ppt: its document properties did not take the id of the "
+                            "presentation.\n");
+}
+
 TEST_F(RelinkRun, IdsOfLinksWithOnePathAreOne) {
     const RunResult result = relink(
         {"--set", "3=c:\\OLD\\film.avi", "--set-id", "1=8", "--set-id", "3=9", "--set-id", "4=7"});
