@@ -165,6 +165,32 @@ void v_setErrorParamNumbers(std::int32_t first, std::int32_t second) {
     set({std::string_view(Decimal(first)), std::string_view(Decimal(second))});
 }
 
+// Written where it stays: the text may be as long as the presentation.
+void v_setErrorParamCountAndIndexes(std::span<const std::size_t> indexes) {
+    const auto digits = [](std::size_t number) {
+        return Decimal(static_cast<std::int32_t>(number));
+    };
+    std::size_t capacity = std::string_view(digits(indexes.size())).size() + 1; // terminator
+    for (const std::size_t index : indexes) {
+        capacity += 1 + std::string_view(digits(index)).size();
+    }
+    Units text = allocate(capacity);
+    if (text == nullptr) {
+        owned_array().replace(nullptr, 0);
+        return;
+    }
+    WCHAR* end = text.get();
+    const auto write = [&](std::string_view ascii) {
+        end = std::copy(ascii.begin(), ascii.end(), end);
+    };
+    write(digits(indexes.size()));
+    for (const std::size_t index : indexes) {
+        *end++ = kErrorParamSeparator;
+        write(digits(index));
+    }
+    owned_array().replace(std::move(text), capacity);
+}
+
 bool b_appendErrorParamText(std::string_view text) {
     return append(text);
 }

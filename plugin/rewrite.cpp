@@ -52,16 +52,6 @@ std::int32_t write_properties(IStorage* root, std::int32_t flags) {
     return status::kSuccess;
 }
 
-// The number of links and the index of each, for hosts have nothing else to ask.
-void tell_not_written(const std::vector<std::size_t>& links) {
-    std::string text = std::to_string(links.size());
-    for (const std::size_t index : links) {
-        text.push_back(static_cast<char>(kErrorParamSeparator));
-        text += std::to_string(index);
-    }
-    v_setErrorParamText(text);
-}
-
 std::int32_t rewrite_copy(ComPtr<IStorage> root, std::int32_t flags) {
     PptPresentation copy(std::move(root));
     ComPtr<IStream> stream;
@@ -129,9 +119,6 @@ std::int32_t rewrite_file(char* path, std::int32_t flags) {
     status = status_of(
         [&] {
             require_success(rewrite_copy(std::move(root), flags));
-            if (state().has_option('w')) {
-                tell_not_written(state().links_not_written);
-            }
             return status::kSuccess;
         },
         [path] {
@@ -139,6 +126,10 @@ std::int32_t rewrite_file(char* path, std::int32_t flags) {
             return status::kWriteFault;
         });
     v_unload();
+    // Hosts have nothing else to ask. It may be a long text, so the links are gone by now.
+    if (status == status::kSuccess && state().has_option('w')) {
+        v_setErrorParamCountAndIndexes(state().links_not_written);
+    }
     v_logLine("File has been rewritten, j_status=", std::to_string(status));
     return status;
 }

@@ -12,7 +12,7 @@ namespace pptlinks {
 // Throws StatusFailure for out of memory when there is no number, which is when the plug-in could
 // not hold it.
 template <class Number>
-Number number_from(const WideString& parameter) {
+Number number_from(WideView parameter) {
     const std::string text = utf8_from_wide(parameter);
     Number number{};
     const char* const end = text.data() + text.size();

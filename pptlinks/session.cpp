@@ -25,20 +25,40 @@ constexpr std::int32_t kAllFlags = ppt::kFlagLinks | ppt::kFlagTargetFileId;
 constexpr std::size_t kTextBuffer = 1024; // what the plug-in fills at most
 constexpr std::size_t kIdBuffer = 32;
 
-WideString error_parameter_text() {
+// Good until the next failure.
+WideView error_parameter_text() {
     const ppt::ErrorParamArray* const array = ps_getErrorParamArray();
-    return array->text == nullptr ? WideString() : WideString(array->text);
+    return array->text == nullptr ? WideView() : WideView(array->text);
 }
 
-std::vector<WideString> split_parameters(const WideString& text) {
-    std::vector<WideString> parameters;
-    std::size_t start = 0;
-    while (start <= text.size()) {
-        const std::size_t end = std::min(text.find(ppt::kErrorParamSeparator, start), text.size());
-        parameters.push_back(text.substr(start, end - start));
-        start = end + 1;
+// The parameters one by one, where they stand: there may be millions.
+class ErrorParameters {
+  public:
+    explicit ErrorParameters(WideView text)
+        : text_(text) {}
+
+    bool at_end() const { return start_ > text_.size(); }
+
+    // Empty at the end.
+    WideView next() {
+        const std::size_t start = std::min(start_, text_.size());
+        const std::size_t end =
+            std::min(text_.find(ppt::kErrorParamSeparator, start), text_.size());
+        start_ = end + 1;
+        return text_.substr(start, end - start);
     }
-    return parameters;
+
+  private:
+    WideView text_;
+    std::size_t start_ = 0;
+};
+
+std::vector<WideString> split_parameters(WideView text) {
+    std::vector<WideString> split;
+    for (ErrorParameters parameters(text); !parameters.at_end();) {
+        split.emplace_back(parameters.next());
+    }
+    return split;
 }
 
 // Tells the parameters of the next failure from those of an earlier one, which a failure without
@@ -56,7 +76,7 @@ class ErrorParameterMark {
         if (result == ppt::status::kSuccess) {
             return;
         }
-        const WideString text = error_parameter_text();
+        const WideView text = error_parameter_text();
         StatusFailure failure(result,
                               text == mark_ ? std::vector<WideString>() : split_parameters(text));
         failure.while_rewriting = while_rewriting;
@@ -232,11 +252,11 @@ std::vector<std::int32_t> LoadedPresentation::rewrite(const std::string& ansi_pa
     std::vector<char> path(ansi_path.begin(), ansi_path.end()); // changed in place by the call
     path.push_back('\0');
     mark.require_success(j_rewriteFile(path.data(), kAllFlags), true);
-    std::vector<std::int32_t> not_written;
-    for (const WideString& number : split_parameters(error_parameter_text())) {
-        not_written.push_back(number_from<std::int32_t>(number));
+    ErrorParameters parameters(error_parameter_text());
+    std::vector<std::int32_t> not_written(number_from<std::uint32_t>(parameters.next()));
+    for (std::int32_t& index : not_written) {
+        index = number_from<std::int32_t>(parameters.next());
     }
-    not_written.erase(not_written.begin()); // their number
     return not_written;
 }
 

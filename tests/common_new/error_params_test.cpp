@@ -40,6 +40,15 @@ TEST(ErrorParams, CapacityCountsTheTextAndItsTerminator) {
     EXPECT_EQ(*error_param_array()->text, 0);
 }
 
+TEST(ErrorParams, IndexesStandBehindTheirNumber) {
+    v_setErrorParamCountAndIndexes({});
+    EXPECT_EQ(error_params(), Texts({"0"}));
+    const std::vector<std::size_t> indexes{0, 12, 4000000};
+    v_setErrorParamCountAndIndexes(indexes);
+    EXPECT_EQ(error_params(), Texts({"3", "0", "12", "4000000"}));
+    EXPECT_EQ(error_param_array()->capacity, 15);
+}
+
 TEST(ErrorParams, ItemsAreAppendedBehindASeparator) {
     v_setErrorParamText("first");
     EXPECT_TRUE(b_appendErrorParamText("second"));
