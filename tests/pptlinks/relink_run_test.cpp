@@ -154,8 +154,8 @@ TEST_F(RelinkRun, IdsThatThePropertiesDoNotTakeAreNamed) {
     bytes::store_u32(properties, entries + 8 * 3, bytes::load_u32(properties, entries + 8 * 2));
     deck.properties(properties);
     deck.write(path("twice.ppt"));
-    const RunResult result = run({"relink", "twice.ppt", "-o", "out.ppt", "--set-id", "0=4242",
-                                  "--target-id", "99"});
+    const RunResult result =
+        run({"relink", "twice.ppt", "-o", "out.ppt", "--set-id", "0=4242", "--target-id", "99"});
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.error, "pptlinks: out.ppt: link 0 (hyperlink C:\\old\\a.doc) has lost its id, "
                             "which the document properties did not take.\n"
