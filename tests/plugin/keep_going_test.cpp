@@ -386,6 +386,9 @@ TEST_F(KeepGoingTest, DocumentPropertiesThatCannotBeReadAreCopied) {
 }
 
 TEST_F(KeepGoingTest, DocumentPropertiesThatEndTooEarlyAreLeftOut) {
+#if defined(_WIN32)
+    GTEST_SKIP() << "the system reads on behind the end of the sectors without a failure";
+#endif
     constexpr std::size_t kSizeInEntry = 120; // of a stream, in its directory entry
     Deck deck;
     deck.add_slide().shape(Shape().link(deck.hyperlink(u"http://a/")));

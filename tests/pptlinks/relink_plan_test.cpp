@@ -2,6 +2,7 @@
 #include "pptlinks/relink_plan.h"
 
 #include "pptlinks/failure.h"
+#include "tests/pptlinks/code_page_guard.h"
 
 #include <gtest/gtest.h>
 
@@ -74,6 +75,7 @@ TEST(RelinkPlan, VideosOfOneListAreKeptApart) {
 }
 
 TEST(RelinkPlan, APathThatIsNotKnownWholeIsOnlySet) {
+    const CodePageGuard code_page(CP_UTF8);
     const std::vector<Link> links{link_to("C:\\??\\b", 0), link_to("http://a/b?c", 1),
                                   link_to("C:\\\xEF\xBF\xBD", 2), link_to("C:\\??\\b", 3),
                                   link_to("\\\\?\\C:\\a", 4)};
