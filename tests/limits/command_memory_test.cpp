@@ -87,34 +87,33 @@ class ManyUsesOfOnePath : public testing::Test {
 
     std::string file(const std::string& name) const { return (folder_ / name).string(); }
 
+    // As text and as JSON.
+    template <class Arguments>
+    void expect_little_more_than_loading(int (*run)(const Arguments&), int status) const {
+        const std::uint64_t allowed = memory_of_loading(deck_) + kMegabyte;
+        Arguments arguments;
+        arguments.files = {deck_};
+        for (const bool json : {false, true}) {
+            arguments.json = json;
+            const Silence silence;
+            const fault::HeapPeak heap;
+            EXPECT_EQ(run(arguments), status);
+            EXPECT_LE(heap.bytes(), allowed) << (json ? "as JSON" : "as text");
+        }
+    }
+
     const std::filesystem::path folder_ = make_temporary_folder("ppt");
     const std::string deck_ = file("deck.ppt");
 };
 
 TEST_F(ManyUsesOfOnePath, AreListedInLittleMoreMemoryThanLoadingTakes) {
-    const std::uint64_t allowed = memory_of_loading(deck_) + kMegabyte;
-    pptlinks::ListArguments arguments;
-    arguments.files = {deck_};
-    for (const bool json : {false, true}) {
-        arguments.json = json;
-        const Silence silence;
-        const fault::HeapPeak heap;
-        EXPECT_EQ(pptlinks::run_list(arguments), 0);
-        EXPECT_LE(heap.bytes(), allowed) << (json ? "as JSON" : "as a table");
-    }
+    expect_little_more_than_loading<pptlinks::ListArguments>(pptlinks::run_list, 0);
 }
 
 TEST_F(ManyUsesOfOnePath, AreCheckedInLittleMoreMemoryThanLoadingTakes) {
-    const std::uint64_t allowed = memory_of_loading(deck_) + kMegabyte;
-    pptlinks::CheckArguments arguments;
-    arguments.files = {deck_};
-    for (const bool json : {false, true}) {
-        arguments.json = json;
-        const Silence silence;
-        const fault::HeapPeak heap;
-        EXPECT_EQ(pptlinks::run_check(arguments), pptlinks::kExitFailed); // none is there
-        EXPECT_LE(heap.bytes(), allowed) << (json ? "as JSON" : "as text");
-    }
+    // None of the targets is there.
+    expect_little_more_than_loading<pptlinks::CheckArguments>(pptlinks::run_check,
+                                                              pptlinks::kExitFailed);
 }
 
 TEST_F(ManyUsesOfOnePath, AreRelinkedInLittleMoreMemoryThanRewritingTakes) {
