@@ -166,12 +166,12 @@ void v_setErrorParamNumbers(std::int32_t first, std::int32_t second) {
 }
 
 // Written where it stays: the text may be as long as the presentation.
-void v_setErrorParamCountAndIndexes(std::span<const std::size_t> indexes) {
+void v_setErrorParamCountAndIndexes(std::span<const std::uint32_t> indexes) {
     const auto digits = [](std::size_t number) {
         return Decimal(static_cast<std::int32_t>(number));
     };
     std::size_t capacity = std::string_view(digits(indexes.size())).size() + 1; // terminator
-    for (const std::size_t index : indexes) {
+    for (const std::uint32_t index : indexes) {
         capacity += 1 + std::string_view(digits(index)).size();
     }
     Units text = allocate(capacity);
@@ -184,7 +184,7 @@ void v_setErrorParamCountAndIndexes(std::span<const std::size_t> indexes) {
         end = std::copy(ascii.begin(), ascii.end(), end);
     };
     write(digits(indexes.size()));
-    for (const std::size_t index : indexes) {
+    for (const std::uint32_t index : indexes) {
         *end++ = kErrorParamSeparator;
         write(digits(index));
     }

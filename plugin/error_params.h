@@ -9,7 +9,6 @@
 
 #include "platform/platform.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string_view>
@@ -36,7 +35,7 @@ void v_setErrorParamTextAndWide(std::string_view first, std::basic_string_view<W
 void v_setErrorParamTextAndNumber(std::string_view text, std::int32_t number);
 void v_setErrorParamNumbers(std::int32_t first, std::int32_t second);
 // How many there are, then each; at most 2^31.
-void v_setErrorParamCountAndIndexes(std::span<const std::size_t> indexes);
+void v_setErrorParamCountAndIndexes(std::span<const std::uint32_t> indexes);
 
 // Appending functions: the separator and the item. False when there was no memory.
 bool b_appendErrorParamText(std::string_view text);

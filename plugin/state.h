@@ -7,7 +7,6 @@
 #include "plugin/link_table.h"
 #include "plugin/unread_objects.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -41,7 +40,7 @@ struct PluginState {
     // Table indexes of the changed links that the last rewrite could not write where they stand, on
     // their pages or in OLE storages. Kept when the presentation is unloaded, which the rewrite
     // itself does.
-    std::vector<std::size_t> links_not_written;
+    std::vector<std::uint32_t> links_not_written;
 
     bool has_option(char letter) const { return options.find(letter) != std::string::npos; }
     // Whether what cannot be read is left out instead of ending the load.

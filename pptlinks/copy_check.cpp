@@ -9,7 +9,7 @@ namespace pptlinks {
 namespace {
 
 bool has_links_of(const LoadedPresentation& copy, const RelinkPlan& plan) {
-    const auto count = static_cast<std::int32_t>(plan.links().size());
+    const auto count = static_cast<std::int32_t>(plan.link_count());
     if (copy.link_count() != count) {
         return false;
     }

@@ -63,25 +63,43 @@ bool keeps_substitute(const std::string& path, const std::string& mapped) {
 
 } // namespace
 
+RelinkPlan::TextNumber RelinkPlan::kept(const std::string& text) {
+    const auto [known, is_new] = numbers_.try_emplace(text, static_cast<TextNumber>(texts_.size()));
+    if (is_new) {
+        texts_.push_back(&known->first);
+    }
+    return known->second;
+}
+
+const std::string* RelinkPlan::text(TextNumber number) const {
+    return number == kNoText ? nullptr : texts_[number];
+}
+
 void RelinkPlan::add(const Link& link) {
     links_.push_back(
-        {link.kind, link.object_list_ordinal, link.external_object_id, kept(link.path)});
+        {link.object_list_ordinal, link.external_object_id, kept(link.path), kNoText, link.kind});
+}
+
+PlannedLink RelinkPlan::link(std::int32_t index) const {
+    const Entry& entry = at(index);
+    return {entry.kind, entry.object_list_ordinal, entry.external_object_id, text(entry.path),
+            text(entry.new_path)};
 }
 
 // Objects in the order of the presentation's list of them, the uses of each in the order of the
 // links.
 bool RelinkPlan::is_before(std::int32_t a, std::int32_t b) const {
-    return std::tuple(link(a).object_list_ordinal, a) < std::tuple(link(b).object_list_ordinal, b);
+    return std::tuple(at(a).object_list_ordinal, a) < std::tuple(at(b).object_list_ordinal, b);
 }
 
 bool RelinkPlan::change_together(std::int32_t a, std::int32_t b) const {
-    const std::int32_t ordinal = link(a).object_list_ordinal;
-    return ordinal >= 0 && ordinal == link(b).object_list_ordinal;
+    const std::int32_t ordinal = at(a).object_list_ordinal;
+    return ordinal >= 0 && ordinal == at(b).object_list_ordinal;
 }
 
 bool RelinkPlan::are_different_objects(Uses uses) const {
     return std::any_of(uses.begin(), uses.end(), [&](std::int32_t use) {
-        return link(use).external_object_id != link(uses.front()).external_object_id;
+        return at(use).external_object_id != at(uses.front()).external_object_id;
     });
 }
 
@@ -106,7 +124,7 @@ void RelinkPlan::require_separate_ids(const std::vector<IndexedValue>& ids) cons
     std::map<std::pair<std::int32_t, std::uint32_t>, const IndexedValue*> of_object;
     std::map<std::string_view, const IndexedValue*> by_id;
     for (const IndexedValue& wish : ids) {
-        const PlannedLink& named = link(wish.index);
+        const Entry& named = at(wish.index);
         const std::string_view id = digits_of(wish.value);
         if (of_link.try_emplace(wish.index, id).first->second != id) {
             throw UsageError("--set-id: link " + std::to_string(wish.index) +
@@ -137,19 +155,20 @@ bool RelinkPlan::have_one_path(std::int32_t a, std::int32_t b) const {
 
 void RelinkPlan::apply_to(Uses uses, const PathWishes& wishes) {
     const std::string* const set_path = path_set_for(uses, wishes);
-    const std::string* new_path = set_path == nullptr ? nullptr : kept(*set_path);
-    const std::string* looked_at = nullptr;
+    TextNumber new_path = set_path == nullptr ? kNoText : kept(*set_path);
+    TextNumber looked_at = kNoText;
     std::optional<std::string> mapped;
     bool all_named = true;
     bool is_known_whole = true;
     for (const std::int32_t use : uses) {
-        if (looked_at != link(use).path) {
-            looked_at = link(use).path;
-            mapped = map_path(wishes.maps, *looked_at);
-            is_known_whole = is_known_whole && !(mapped && keeps_substitute(*looked_at, *mapped));
+        if (looked_at != at(use).path) {
+            looked_at = at(use).path;
+            const std::string& path = *text(looked_at);
+            mapped = map_path(wishes.maps, path);
+            is_known_whole = is_known_whole && !(mapped && keeps_substitute(path, *mapped));
         }
         all_named = all_named && (mapped || wishes.paths.contains(use));
-        if (new_path == nullptr && mapped) {
+        if (new_path == kNoText && mapped) {
             new_path = kept(*mapped);
         }
     }
@@ -157,7 +176,7 @@ void RelinkPlan::apply_to(Uses uses, const PathWishes& wishes) {
         not_known_whole_.insert(not_known_whole_.end(), uses.begin(), uses.end());
         return;
     }
-    if (new_path == nullptr) {
+    if (new_path == kNoText) {
         return;
     }
     for (const std::int32_t use : uses) {

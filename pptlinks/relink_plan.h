@@ -1,7 +1,7 @@
 // Which link gets which path: the user's --set and --map applied to the links of a presentation.
 //
-// A path may be long and have a million uses, so the plan keeps each text once. It stays good when
-// the presentation is unloaded.
+// A path may be long and have millions of uses, which take 12 bytes of a file each: the plan keeps
+// each text once, and 20 bytes for a link. It stays good when the presentation is unloaded.
 #pragma once
 
 #include "pptlinks/arguments.h"
@@ -11,7 +11,7 @@
 #include <map>
 #include <span>
 #include <string>
-#include <unordered_set>
+#include <unordered_map>
 #include <vector>
 
 namespace pptlinks {
@@ -25,7 +25,7 @@ struct PlannedLink {
     LinkKind kind = LinkKind::hyperlink;
     std::int32_t object_list_ordinal = -1;
     std::uint32_t external_object_id = 0;
-    // Texts of the plan, in ANSI.
+    // Texts of the plan, in ANSI; each stands at one place only.
     const std::string* path = nullptr;
     const std::string* new_path = nullptr; // null: nothing was asked
 };
@@ -49,12 +49,10 @@ class RelinkPlan {
     void require_separate_ids(const std::vector<IndexedValue>& ids) const;
 
     // Takes back what was asked for a link.
-    void leave(std::int32_t index) { at(index).new_path = nullptr; }
+    void leave(std::int32_t index) { at(index).new_path = kNoText; }
 
-    const std::vector<PlannedLink>& links() const { return links_; }
-    const PlannedLink& link(std::int32_t index) const {
-        return links_[static_cast<std::size_t>(index)];
-    }
+    std::size_t link_count() const { return links_.size(); }
+    PlannedLink link(std::int32_t index) const;
     // Uses of one object that change together although only some of them were named.
     const std::vector<std::vector<std::int32_t>>& joined() const { return joined_; }
     // Uses of different objects that the presentation keeps in one list, which takes a single path
@@ -67,8 +65,22 @@ class RelinkPlan {
     // Indexes of the links that change together, ascending.
     using Uses = std::span<const std::int32_t>;
 
-    PlannedLink& at(std::int32_t index) { return links_[static_cast<std::size_t>(index)]; }
-    const std::string* kept(const std::string& text) { return &*texts_.insert(text).first; }
+    // Numbers of texts.
+    using TextNumber = std::uint32_t;
+    static constexpr TextNumber kNoText = 0xFFFFFFFF;
+
+    struct Entry {
+        std::int32_t object_list_ordinal = -1;
+        std::uint32_t external_object_id = 0;
+        TextNumber path = kNoText;
+        TextNumber new_path = kNoText;
+        LinkKind kind = LinkKind::hyperlink;
+    };
+
+    const Entry& at(std::int32_t index) const { return links_[static_cast<std::size_t>(index)]; }
+    Entry& at(std::int32_t index) { return links_[static_cast<std::size_t>(index)]; }
+    TextNumber kept(const std::string& text);
+    const std::string* text(TextNumber number) const;
     bool is_before(std::int32_t a, std::int32_t b) const;
     bool change_together(std::int32_t a, std::int32_t b) const;
     // When the plan is carried out; letter case does not tell paths apart.
@@ -76,8 +88,9 @@ class RelinkPlan {
     bool are_different_objects(Uses uses) const;
     void apply_to(Uses uses, const PathWishes& wishes);
 
-    std::unordered_set<std::string> texts_;
-    std::vector<PlannedLink> links_;
+    std::unordered_map<std::string, TextNumber> numbers_;
+    std::vector<const std::string*> texts_; // by number
+    std::vector<Entry> links_;
     std::vector<std::vector<std::int32_t>> joined_;
     std::vector<std::int32_t> inseparable_;
     std::vector<std::int32_t> not_known_whole_;

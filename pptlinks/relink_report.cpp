@@ -55,9 +55,9 @@ bool Report::keeps_path(std::int32_t index) const {
 }
 
 void Report::add_changed_links() {
-    const auto count = static_cast<std::int32_t>(plan_.links().size());
+    const auto count = static_cast<std::int32_t>(plan_.link_count());
     for (std::int32_t index = 0; index < count; ++index) {
-        const PlannedLink& link = plan_.link(index);
+        const PlannedLink link = plan_.link(index);
         if (link.new_path == nullptr || keeps_path(index)) {
             continue;
         }
@@ -84,7 +84,7 @@ void Report::add_joined_links() {
 void Report::add_shared_ids() {
     std::map<std::string, const IndexedValue*> first_of_path;
     for (const IndexedValue& wish : arguments_.ids) {
-        const PlannedLink& link = plan_.link(wish.index);
+        const PlannedLink link = plan_.link(wish.index);
         const bool has_new_path = link.new_path != nullptr && !keeps_path(wish.index);
         const std::string& path = has_new_path ? *link.new_path : *link.path;
         const auto [first, is_new] = first_of_path.try_emplace(ppt::ascii_lower(path), &wish);
@@ -102,7 +102,7 @@ void Report::add_counts() {
                       [this](std::int32_t index) { return keeps_path(index); }));
     const std::size_t kept_texts = not_written.size() - kept;
     out_ += terminal_text_from_utf8(arguments_.out) + ": " + std::to_string(changed_) + " of " +
-            counted(plan_.links().size(), "link") + " changed";
+            counted(plan_.link_count(), "link") + " changed";
     if (outcome_.same > 0) {
         out_ += ", " + std::to_string(outcome_.same) + " unchanged (same path)";
     }

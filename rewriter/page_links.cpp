@@ -48,12 +48,12 @@ bool b_textFollowsPath(const LinkRecord& link) {
     return b_rewritesTexts() && (!state().has_option('e') || text_was_path(link));
 }
 
-std::vector<std::size_t> links_not_written(const RewriteCopy& copy) {
+std::vector<std::uint32_t> links_not_written(const RewriteCopy& copy) {
     const auto is_missing = [&copy](const LinkRecord& link) {
         return is_due_elsewhere(link) && !copy.written_links[link.table_index];
     };
     const std::deque<LinkRecord>& links = state().links.links();
-    std::vector<std::size_t> missing;
+    std::vector<std::uint32_t> missing;
     missing.reserve(
         static_cast<std::size_t>(std::count_if(links.begin(), links.end(), is_missing)));
     for (const LinkRecord& link : links) {

@@ -6,7 +6,7 @@
 #include "reader/record.h"
 #include "rewriter/rewrite_copy.h"
 
-#include <cstddef>
+#include <cstdint>
 #include <vector>
 
 namespace ppt {
@@ -25,6 +25,6 @@ bool b_textFollowsPath(const LinkRecord& link);
 // were not: the place of a picture's name was not certain, the runs of a text are not understood,
 // the page or shape was never reached, an OLE object did not take its new source. Cost: the length
 // of the link table.
-std::vector<std::size_t> links_not_written(const RewriteCopy& copy);
+std::vector<std::uint32_t> links_not_written(const RewriteCopy& copy);
 
 } // namespace ppt

@@ -208,7 +208,7 @@ std::int32_t j_rewriteLinks(PptPresentation& copy_presentation, std::int32_t fla
     RewriteCopy copy(*state().presentation, copy_presentation);
     rewrite_objects(copy, flags);
     state().links_not_written =
-        (flags & kFlagLinks) != 0 ? links_not_written(copy) : std::vector<std::size_t>();
+        (flags & kFlagLinks) != 0 ? links_not_written(copy) : std::vector<std::uint32_t>();
     move_rest(copy);
     const std::uint32_t size = n_writePersistDirectory(copy);
     const std::int32_t status = set_document_size(copy_presentation, size);

@@ -57,7 +57,10 @@ PropertyKey key(bytes::Cursor& input, const ShownProperties& known) {
 }
 
 bool same_name(const std::optional<std::u16string>& a, const std::u16string& b) {
-    return a && unicode::equal_ignoring_case(*a, b);
+    const auto is_same = [](char16_t x, char16_t y) {
+        return unicode::upper(x) == unicode::upper(y);
+    };
+    return a && std::equal(a->begin(), a->end(), b.begin(), b.end(), is_same);
 }
 
 // The properties but one are as they were; others lose the name that the one was given.

@@ -32,7 +32,7 @@ Paths change_links(const Paths& old) {
 }
 
 bool was_written(std::size_t link) {
-    const std::vector<std::size_t>& not_written = ppt::state().links_not_written;
+    const std::vector<std::uint32_t>& not_written = ppt::state().links_not_written;
     return std::find(not_written.begin(), not_written.end(), link) == not_written.end();
 }
 

@@ -3,15 +3,12 @@
 #include "platform/posix/ansi_text.h"
 #include "platform/posix/current_directory.h"
 #include "platform/posix/drives.h"
+#include "platform/posix/folder_names.h"
 #include "platform/posix/full_path.h"
 #include "platform/posix/kernel.h"
 #include "platform/posix/settings.h"
-#include "platform/unicode/upcase.h"
-#include "platform/unicode/utf8.h"
 
 #include <algorithm>
-#include <dirent.h>
-#include <memory>
 #include <optional>
 #include <sys/stat.h>
 
@@ -19,34 +16,9 @@ namespace platform {
 
 namespace {
 
-struct CloseDirectory {
-    void operator()(DIR* directory) const { closedir(directory); }
-};
-
 bool exists(const std::string& native) {
     struct stat status {};
     return lstat(native.c_str(), &status) == 0;
-}
-
-// A name of the folder that differs in letter case only; the first in byte order, so that the
-// answer does not depend on the order of the directory. Cost: the names in the folder.
-std::optional<std::string> find_ignoring_case(const std::string& folder, const std::string& name) {
-    const auto wanted = unicode::utf8_to_utf16(name);
-    const std::unique_ptr<DIR, CloseDirectory> directory(
-        opendir(folder.empty() ? "/" : folder.c_str()));
-    if (!wanted || directory == nullptr) {
-        return std::nullopt;
-    }
-    std::optional<std::string> found;
-    while (const dirent* entry = readdir(directory.get())) {
-        const std::string_view candidate(entry->d_name);
-        const auto wide = unicode::utf8_to_utf16(candidate);
-        if (wide && unicode::equal_ignoring_case(*wide, *wanted) &&
-            (!found || candidate < *found)) {
-            found = candidate;
-        }
-    }
-    return found;
 }
 
 std::string below(const std::string& folder, const std::string& name) {

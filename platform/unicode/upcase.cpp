@@ -37,9 +37,4 @@ char16_t upper(char16_t unit) {
     return static_cast<char16_t>(unit + range->added);
 }
 
-bool equal_ignoring_case(std::u16string_view a, std::u16string_view b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](char16_t x, char16_t y) { return upper(x) == upper(y); });
-}
-
 } // namespace unicode

@@ -43,7 +43,7 @@ TEST(ErrorParams, CapacityCountsTheTextAndItsTerminator) {
 TEST(ErrorParams, IndexesStandBehindTheirNumber) {
     v_setErrorParamCountAndIndexes({});
     EXPECT_EQ(error_params(), Texts({"0"}));
-    const std::vector<std::size_t> indexes{0, 12, 4000000};
+    const std::vector<std::uint32_t> indexes{0, 12, 4000000};
     v_setErrorParamCountAndIndexes(indexes);
     EXPECT_EQ(error_params(), Texts({"3", "0", "12", "4000000"}));
     EXPECT_EQ(error_param_array()->capacity, 15);

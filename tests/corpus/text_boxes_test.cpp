@@ -96,7 +96,7 @@ TEST_F(TextBoxes, StayWholeWhenTheirWordsFollowTheirPaths) {
             old_coverage[id] = coverage(before, offset_of(id));
         }
         ASSERT_EQ(rewrite("once.ppt"), 0) << plugin_test::error_params();
-        EXPECT_EQ(ppt::state().links_not_written, std::vector<std::size_t>{});
+        EXPECT_EQ(ppt::state().links_not_written, std::vector<std::uint32_t>{});
         ASSERT_EQ(load_again("once.ppt"), 0) << plugin_test::error_params();
         const Bytes after = plugin_test::StoredFile(path("once.ppt")).document();
         for (const auto& [id, were_covered] : old_coverage) {

@@ -113,7 +113,7 @@ TEST_P(AllocationFailure, RewritingEndsWithAStatusAndGivesEverythingBack) {
             happened = failing.happened();
         }
         if (status == 0) {
-            EXPECT_EQ(state().links_not_written, std::vector<std::size_t>());
+            EXPECT_EQ(state().links_not_written, std::vector<std::uint32_t>());
             EXPECT_EQ(plugin_test::StoredFile(out).streams() == expected, true);
         } else {
             ++failures;

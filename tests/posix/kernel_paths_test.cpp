@@ -4,6 +4,11 @@
 
 #include "platform/posix/paths.h"
 
+#include <chrono>
+#include <ctime>
+#include <filesystem>
+#include <thread>
+
 namespace {
 
 using platform::map_drive;
@@ -58,6 +63,41 @@ TEST_F(Paths, ANameIsFoundInAnyLetterCase) {
     make_file("Same.txt");
     EXPECT_EQ(to_native_path("Z:\\same.txt"), at("same.txt"));
     EXPECT_EQ(to_native_path("Z:\\SAME.TXT"), at("Same.txt"));
+}
+
+// Long enough for the names of a folder to be remembered.
+void settle() {
+    std::this_thread::sleep_for(std::chrono::seconds(3));
+}
+
+TEST_F(Paths, ManyMissingNamesCostOneReadingOfTheirFolder) {
+    for (int i = 0; i < 5000; ++i) {
+        make_file("file " + std::to_string(i));
+    }
+    settle();
+    const auto processor_time_of = [this](int count) {
+        const std::clock_t start = std::clock();
+        for (int i = 0; i < count; ++i) {
+            const std::string name = "missing " + std::to_string(i);
+            EXPECT_EQ(to_native_path("Z:\\" + name), at(name));
+        }
+        return std::clock() - start;
+    };
+    const std::clock_t of_one = processor_time_of(1);
+    EXPECT_LT(processor_time_of(2000), 200 * of_one);
+}
+
+TEST_F(Paths, ARememberedFolderIsReadAgainWhenItChanges) {
+    make_file("Old.doc");
+    settle();
+    for (int time = 0; time < 2; ++time) {
+        EXPECT_EQ(to_native_path("Z:\\OLD.DOC"), at("Old.doc"));
+        EXPECT_EQ(to_native_path("Z:\\NEW.DOC"), at("NEW.DOC"));
+    }
+    make_file("New.doc");
+    EXPECT_EQ(to_native_path("Z:\\NEW.DOC"), at("New.doc"));
+    std::filesystem::remove(at("Old.doc"));
+    EXPECT_EQ(to_native_path("Z:\\OLD.DOC"), at("OLD.DOC"));
 }
 
 TEST_F(Paths, AFileToWriteKeepsItsSpellingOnThisMachineOnly) {

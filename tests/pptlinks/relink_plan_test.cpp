@@ -30,8 +30,10 @@ using Paths = std::vector<std::optional<std::string>>;
 
 Paths new_paths(const RelinkPlan& plan) {
     Paths paths;
-    for (const PlannedLink& link : plan.links()) {
-        paths.push_back(link.new_path == nullptr ? std::nullopt : std::optional(*link.new_path));
+    const auto count = static_cast<std::int32_t>(plan.link_count());
+    for (std::int32_t i = 0; i < count; ++i) {
+        const std::string* const path = plan.link(i).new_path;
+        paths.push_back(path == nullptr ? std::nullopt : std::optional(*path));
     }
     return paths;
 }

@@ -47,7 +47,7 @@ inline std::string difference(const Bytes& found, const Bytes& expected) {
 class RelinkTest : public plugin_test::PluginTest {
   protected:
     using NewPaths = std::map<std::int32_t, std::u16string>; // by link index
-    using Indexes = std::vector<std::size_t>;
+    using Indexes = std::vector<std::uint32_t>;
 
     // Relinks `before` and expects the copy's document stream to be that of `after`.
     void expect_relinked(Deck& before, const NewPaths& paths, Deck& after) {
