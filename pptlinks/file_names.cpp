@@ -3,6 +3,7 @@
 #include "plugin/status.h"
 #include "pptlinks/failure.h"
 #include "pptlinks/machine.h"
+#include "pptlinks/messages.h"
 #include "pptlinks/text_encoding.h"
 
 #include <system_error>
@@ -24,8 +25,12 @@ bool has_windows_root(const std::string& path) {
 
 std::string ansi_or_throw(const std::string& text) {
     const std::optional<std::string> ansi = ansi_from_utf8(text);
-    if (!ansi) {
-        throw StatusFailure(ppt::status::kNoUnicodeForm, {});
+    if (!is_utf8(text) || !ansi) {
+        StatusFailure failure(ppt::status::kNoUnicodeForm, {});
+        if (!is_utf8(text)) {
+            failure.worded_as = kNameNotUtf8;
+        }
+        throw failure;
     }
     return *ansi;
 }

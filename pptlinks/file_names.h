@@ -26,7 +26,8 @@ std::string native_name(const std::filesystem::path& path);
 // path as it stands. In UTF-8.
 std::string absolute_name(const std::string& typed);
 
-// Throws StatusFailure 6505 for a name that the ANSI code page cannot hold.
+// Throws StatusFailure 6505 for a path that is not valid UTF-8 or that the ANSI code page cannot
+// hold.
 FileName file_name(const std::string& typed);
 
 // Another file in the same folder; `name` is ASCII.

@@ -17,8 +17,11 @@ namespace pptlinks {
 // Which file a failure of a rewrite speaks of; while loading it is always the presentation.
 enum class Culprit { presentation, copy };
 
+// Stands for a status where a sentence is looked for: a path that 6505 does not word.
+inline constexpr std::int32_t kNameNotUtf8 = -1;
+
 struct Message {
-    std::int32_t status;
+    std::int32_t status; // or what stands for one
     Culprit culprit;
     const char* problem;
     const char* remedy;

@@ -20,6 +20,8 @@ constexpr const char* kFreeMemory = "close other programs and try again";
 constexpr const char* kCheckName = "check the name and try again";
 
 constexpr Message kMessages[] = {
+    {kNameNotUtf8, Culprit::copy, "its name or that of a folder above it is not valid UTF-8",
+     "rename that and try again"},
     {kVersionAboveCeiling, Culprit::presentation,
      "its format version[ {1}] is above[ {2},] the newest that can be read",
      "save it as a PowerPoint 97-2003 presentation and try again"},

@@ -16,7 +16,7 @@ namespace pptlinks {
 namespace {
 
 std::string ansi_wish(const std::string& text, const std::string& option) {
-    if (utf8_from_wide(wide_from_utf8(text)) != text) {
+    if (!is_utf8(text)) {
         throw UsageError(option + ": '" + text + "' is not valid UTF-8");
     }
     const std::optional<std::string> ansi = ansi_from_utf8(text);
@@ -138,10 +138,19 @@ void complain_of(const RelinkPlan& plan, const Outcome& outcome, const LostIds& 
     }
 }
 
+FileName name_of_copy(const std::string& out) {
+    try {
+        return file_name(out);
+    } catch (StatusFailure& failure) {
+        failure.while_rewriting = true;
+        throw;
+    }
+}
+
 // Gives the exit status.
 int relink(const Session& session, const RelinkArguments& arguments) {
     const FileName source = file_name(arguments.file);
-    OutputFile output(source, file_name(arguments.out));
+    OutputFile output(source, name_of_copy(arguments.out));
     const SourceWatch watch(source);
     LoadedPresentation presentation(session, source.ansi);
     complain_of(presentation.unread(), arguments.file);

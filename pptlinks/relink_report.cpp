@@ -169,7 +169,7 @@ std::string why_not_written(const PlannedLink& link, std::int32_t index) {
     default:
         return which +
                "keeps its path, because the new one is no full path of a file that is "
-               "there; " +
+               "there, or its folder or name is too long; " +
                kFindSource;
     }
 }

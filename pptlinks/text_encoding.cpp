@@ -90,6 +90,10 @@ std::uint32_t take_character(WideView text, std::size_t& position) {
     return 0x10000 + ((unit - 0xD800) << 10) + (text[position++] - 0xDC00u);
 }
 
+bool is_utf8(std::string_view text) {
+    return utf8_from_wide(wide_from_utf8(text)) == text;
+}
+
 std::optional<std::string> ansi_from_utf8(std::string_view text) {
     // Names of the file system are bytes: in a UTF-8 system even those that are not UTF-8 pass.
     if (text.empty() || GetACP() == CP_UTF8) {

@@ -19,6 +19,8 @@ WideString wide_from_utf8(std::string_view text);
 // Always valid UTF-8: half of a surrogate pair becomes U+FFFD.
 std::string utf8_from_wide(WideView text);
 
+bool is_utf8(std::string_view text);
+
 // The code point that starts at `position`, which moves behind it; half of a surrogate pair stands
 // for itself.
 std::uint32_t take_character(WideView text, std::size_t& position);

@@ -165,6 +165,24 @@ TEST_F(RelinkRun, ThePresentationIsKnownByAnyOfItsNames) {
     }
 }
 
+TEST_F(RelinkRun, ANameThatIsNotUtf8IsTold) {
+    const std::string why = "its name or that of a folder above it is not valid UTF-8; rename that";
+    std::filesystem::create_directory(path("f\xE9"));
+    for (const char* name : {"\xE9.ppt", "f\xE9/in.ppt"}) {
+        std::filesystem::copy_file(path("in.ppt"), path(name));
+        for (const char* command : {"list", "check"}) {
+            const RunResult result = run({command, name});
+            EXPECT_EQ(result.status, 1);
+            EXPECT_NE(result.error.find(why), std::string::npos) << result.error;
+        }
+        std::filesystem::remove(path(name));
+        const RunResult result = relink({}, name);
+        EXPECT_EQ(result.status, 1);
+        EXPECT_NE(result.error.find("ppt: " + why), std::string::npos) << result.error;
+        EXPECT_FALSE(std::filesystem::exists(path(name)));
+    }
+}
+
 TEST_F(RelinkRun, ADeviceIsNeitherReadNorReplaced) {
     EXPECT_EQ(run({"list", "/dev/full"}).status, 1);
     expect_nothing_written(relink({}, "/dev/null"), 1, "/dev/null: this is not a plain file");
