@@ -14,7 +14,7 @@ bool has_links_of(const LoadedPresentation& copy, const RelinkPlan& plan) {
         return false;
     }
     for (std::int32_t i = 0; i < count; ++i) {
-        if (copy.link(i).kind != plan.link(i).kind) {
+        if (copy.link(i).kind != plan.kind(i)) {
             return false;
         }
     }

@@ -54,10 +54,8 @@ void require_links(const LoadedPresentation& presentation, const RelinkArguments
 }
 
 RelinkPlan make_plan(const LoadedPresentation& presentation, const RelinkArguments& arguments) {
-    RelinkPlan plan;
-    for (std::int32_t i = 0; i < presentation.link_count(); ++i) {
-        plan.add(presentation.link(i));
-    }
+    RelinkPlan plan(presentation.link_count(),
+                    [&presentation](std::int32_t index) { return presentation.link(index); });
     plan.apply(path_wishes(arguments));
     plan.require_separate_ids(arguments.ids);
     if (!plan.inseparable().empty()) {
@@ -74,8 +72,8 @@ RelinkPlan make_plan(const LoadedPresentation& presentation, const RelinkArgumen
 std::size_t apply_paths(LoadedPresentation& presentation, RelinkPlan& plan) {
     std::size_t same = 0;
     for (std::int32_t i = 0; i < presentation.link_count(); ++i) {
-        const std::string* const path = plan.link(i).new_path;
-        if (path != nullptr && !presentation.set_path(i, *path)) {
+        const std::optional<std::string> path = plan.new_path(i);
+        if (path && !presentation.set_path(i, *path)) {
             plan.leave(i);
             ++same;
         }
@@ -124,13 +122,13 @@ LostIds read_back(const Session& session, const CopyCheck& check, const OutputFi
 void complain_of(const RelinkPlan& plan, const Outcome& outcome, const LostIds& lost,
                  const std::string& out) {
     for (const std::int32_t index : plan.not_known_whole()) {
-        complain(sentence(FileFailure(out, why_not_mapped(plan.link(index), index))));
+        complain(sentence(FileFailure(out, why_not_mapped(plan, index))));
     }
     for (const std::int32_t index : outcome.not_written) {
-        complain(sentence(FileFailure(out, why_not_written(plan.link(index), index))));
+        complain(sentence(FileFailure(out, why_not_written(plan, index))));
     }
     for (const std::int32_t index : lost.links) {
-        complain(sentence(FileFailure(out, why_without_id(plan.link(index), index))));
+        complain(sentence(FileFailure(out, why_without_id(plan, index))));
     }
     if (lost.own) {
         complain(sentence(FileFailure(out, "its document properties did not take the id of the "

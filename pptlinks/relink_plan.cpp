@@ -63,33 +63,55 @@ bool keeps_substitute(const std::string& path, const std::string& mapped) {
 
 } // namespace
 
-RelinkPlan::TextNumber RelinkPlan::kept(const std::string& text) {
-    const auto [known, is_new] = numbers_.try_emplace(text, static_cast<TextNumber>(texts_.size()));
-    if (is_new) {
-        texts_.push_back(&known->first);
+RelinkPlan::RelinkPlan(std::int32_t count, const std::function<Link(std::int32_t)>& link) {
+    links_.reserve(static_cast<std::size_t>(count));
+    for (std::int32_t i = 0; i < count; ++i) {
+        const Link asked = link(i);
+        links_.push_back(
+            {asked.object_list_ordinal, asked.external_object_id, kNoText, kNoText, asked.kind});
     }
-    return known->second;
+    keep_paths(link);
 }
 
-const std::string* RelinkPlan::text(TextNumber number) const {
-    return number == kNoText ? nullptr : texts_[number];
+RelinkPlan::TextNumber RelinkPlan::keep(std::string text) {
+    texts_.push_back(std::move(text));
+    return static_cast<TextNumber>(texts_.size() - 1);
 }
 
-void RelinkPlan::add(const Link& link) {
-    links_.push_back(
-        {link.object_list_ordinal, link.external_object_id, kept(link.path), kNoText, link.kind});
+template <class Key>
+std::vector<std::int32_t> RelinkPlan::order_by(Key key) const {
+    std::vector<std::int32_t> order(links_.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::sort(order.begin(), order.end(), [&](std::int32_t a, std::int32_t b) {
+        return std::tuple(key(at(a)), a) < std::tuple(key(at(b)), b);
+    });
+    return order;
 }
 
-PlannedLink RelinkPlan::link(std::int32_t index) const {
-    const Entry& entry = at(index);
-    return {entry.kind, entry.object_list_ordinal, entry.external_object_id, text(entry.path),
-            text(entry.new_path)};
+// A file holds the path of an object once, however often the object is used; that of a picture
+// stands where the picture is.
+void RelinkPlan::keep_paths(const std::function<Link(std::int32_t)>& link) {
+    const auto object = [](const Entry& entry) {
+        return std::pair(entry.object_list_ordinal, entry.external_object_id);
+    };
+    const TextNumber lost = keep({});
+    const Entry* last = nullptr;
+    for (const std::int32_t index : order_by(object)) {
+        Entry& entry = at(index);
+        std::string path = link(index).path;
+        const bool is_known =
+            last != nullptr && object(*last) == object(entry) && texts_[last->path] == path;
+        entry.path = path.empty() ? lost : is_known ? last->path : keep(std::move(path));
+        last = entry.path == lost ? last : &entry;
+    }
 }
 
-// Objects in the order of the presentation's list of them, the uses of each in the order of the
-// links.
-bool RelinkPlan::is_before(std::int32_t a, std::int32_t b) const {
-    return std::tuple(at(a).object_list_ordinal, a) < std::tuple(at(b).object_list_ordinal, b);
+std::optional<std::string> RelinkPlan::new_path(std::int32_t index) const {
+    const TextNumber number = at(index).new_path;
+    if (number == kNoText) {
+        return std::nullopt;
+    }
+    return (number & kMapped) == 0 ? texts_[number] : map_path(maps_, texts_[number - kMapped]);
 }
 
 bool RelinkPlan::change_together(std::int32_t a, std::int32_t b) const {
@@ -104,10 +126,9 @@ bool RelinkPlan::are_different_objects(Uses uses) const {
 }
 
 void RelinkPlan::apply(const PathWishes& wishes) {
-    std::vector<std::int32_t> order(links_.size());
-    std::iota(order.begin(), order.end(), 0);
-    std::sort(order.begin(), order.end(),
-              [this](std::int32_t a, std::int32_t b) { return is_before(a, b); });
+    maps_ = wishes.maps;
+    const std::vector<std::int32_t> order =
+        order_by([](const Entry& entry) { return entry.object_list_ordinal; });
     for (std::size_t start = 0; start < order.size();) {
         std::size_t end = start + 1;
         while (end < order.size() && change_together(order[start], order[end])) {
@@ -147,15 +168,15 @@ void RelinkPlan::require_separate_ids(const std::vector<IndexedValue>& ids) cons
 }
 
 bool RelinkPlan::have_one_path(std::int32_t a, std::int32_t b) const {
-    const auto path = [](const PlannedLink& link) {
-        return ppt::ascii_lower(link.new_path == nullptr ? *link.path : *link.new_path);
+    const auto final_path = [this](std::int32_t index) {
+        return ppt::ascii_lower(new_path(index).value_or(path(index)));
     };
-    return path(link(a)) == path(link(b));
+    return final_path(a) == final_path(b);
 }
 
 void RelinkPlan::apply_to(Uses uses, const PathWishes& wishes) {
     const std::string* const set_path = path_set_for(uses, wishes);
-    TextNumber new_path = set_path == nullptr ? kNoText : kept(*set_path);
+    TextNumber new_path = set_path == nullptr ? kNoText : keep(*set_path);
     TextNumber looked_at = kNoText;
     std::optional<std::string> mapped;
     bool all_named = true;
@@ -163,13 +184,12 @@ void RelinkPlan::apply_to(Uses uses, const PathWishes& wishes) {
     for (const std::int32_t use : uses) {
         if (looked_at != at(use).path) {
             looked_at = at(use).path;
-            const std::string& path = *text(looked_at);
-            mapped = map_path(wishes.maps, path);
-            is_known_whole = is_known_whole && !(mapped && keeps_substitute(path, *mapped));
+            mapped = map_path(maps_, path(use));
+            is_known_whole = is_known_whole && !(mapped && keeps_substitute(path(use), *mapped));
         }
         all_named = all_named && (mapped || wishes.paths.contains(use));
         if (new_path == kNoText && mapped) {
-            new_path = kept(*mapped);
+            new_path = kMapped | looked_at;
         }
     }
     if (set_path == nullptr && !is_known_whole) {

@@ -1,17 +1,21 @@
 // Which link gets which path: the user's --set and --map applied to the links of a presentation.
 //
-// A path may be long and have millions of uses, which take 12 bytes of a file each: the plan keeps
-// each text once, and 20 bytes for a link. It stays good when the presentation is unloaded.
+// A use of an object takes 12 bytes of a file, and a path may be long: the plan keeps 20 bytes for
+// a link, the paths once for each object, and makes mapped paths when they are asked for. It stays
+// good when the presentation is unloaded.
 #pragma once
 
 #include "pptlinks/arguments.h"
 #include "pptlinks/session.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <deque>
+#include <functional>
 #include <map>
+#include <optional>
 #include <span>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 namespace pptlinks {
@@ -21,19 +25,10 @@ struct PathWishes {
     std::vector<PathMapEntry> maps;            // ANSI
 };
 
-struct PlannedLink {
-    LinkKind kind = LinkKind::hyperlink;
-    std::int32_t object_list_ordinal = -1;
-    std::uint32_t external_object_id = 0;
-    // Texts of the plan, in ANSI; each stands at one place only.
-    const std::string* path = nullptr;
-    const std::string* new_path = nullptr; // null: nothing was asked
-};
-
 class RelinkPlan {
   public:
-    // The next link of the presentation.
-    void add(const Link& link);
+    // The links of a presentation that has `count` of them; `link` is asked for each twice.
+    RelinkPlan(std::int32_t count, const std::function<Link(std::int32_t)>& link);
 
     // A path that was set wins over the map. Uses of one external object get one path: the one set
     // for any of them, else the first mapped one. Throws UsageError when two of them are set to
@@ -52,7 +47,11 @@ class RelinkPlan {
     void leave(std::int32_t index) { at(index).new_path = kNoText; }
 
     std::size_t link_count() const { return links_.size(); }
-    PlannedLink link(std::int32_t index) const;
+    LinkKind kind(std::int32_t index) const { return at(index).kind; }
+    // In ANSI.
+    const std::string& path(std::int32_t index) const { return texts_[at(index).path]; }
+    // Nothing when nothing was asked. Cost: that of `map_path`.
+    std::optional<std::string> new_path(std::int32_t index) const;
     // Uses of one object that change together although only some of them were named.
     const std::vector<std::vector<std::int32_t>>& joined() const { return joined_; }
     // Uses of different objects that the presentation keeps in one list, which takes a single path
@@ -65,9 +64,9 @@ class RelinkPlan {
     // Indexes of the links that change together, ascending.
     using Uses = std::span<const std::int32_t>;
 
-    // Numbers of texts.
     using TextNumber = std::uint32_t;
     static constexpr TextNumber kNoText = 0xFFFFFFFF;
+    static constexpr TextNumber kMapped = 0x80000000; // in `new_path`: what the map makes of it
 
     struct Entry {
         std::int32_t object_list_ordinal = -1;
@@ -79,18 +78,20 @@ class RelinkPlan {
 
     const Entry& at(std::int32_t index) const { return links_[static_cast<std::size_t>(index)]; }
     Entry& at(std::int32_t index) { return links_[static_cast<std::size_t>(index)]; }
-    TextNumber kept(const std::string& text);
-    const std::string* text(TextNumber number) const;
-    bool is_before(std::int32_t a, std::int32_t b) const;
+    TextNumber keep(std::string text);
+    void keep_paths(const std::function<Link(std::int32_t)>& link);
+    // The links, those first that are first by what `key` gives for an entry; else by index.
+    template <class Key>
+    std::vector<std::int32_t> order_by(Key key) const;
     bool change_together(std::int32_t a, std::int32_t b) const;
     // When the plan is carried out; letter case does not tell paths apart.
     bool have_one_path(std::int32_t a, std::int32_t b) const;
     bool are_different_objects(Uses uses) const;
     void apply_to(Uses uses, const PathWishes& wishes);
 
-    std::unordered_map<std::string, TextNumber> numbers_;
-    std::vector<const std::string*> texts_; // by number
+    std::deque<std::string> texts_; // by number
     std::vector<Entry> links_;
+    std::vector<PathMapEntry> maps_;
     std::vector<std::vector<std::int32_t>> joined_;
     std::vector<std::int32_t> inseparable_;
     std::vector<std::int32_t> not_known_whole_;

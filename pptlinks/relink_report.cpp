@@ -50,22 +50,22 @@ class Report {
 
 bool Report::keeps_path(std::int32_t index) const {
     const std::vector<std::int32_t>& not_written = outcome_.not_written;
-    return plan_.link(index).kind != LinkKind::hyperlink &&
+    return plan_.kind(index) != LinkKind::hyperlink &&
            std::binary_search(not_written.begin(), not_written.end(), index);
 }
 
 void Report::add_changed_links() {
     const auto count = static_cast<std::int32_t>(plan_.link_count());
     for (std::int32_t index = 0; index < count; ++index) {
-        const PlannedLink link = plan_.link(index);
-        if (link.new_path == nullptr || keeps_path(index)) {
+        const std::optional<std::string> new_path = plan_.new_path(index);
+        if (!new_path || keeps_path(index)) {
             continue;
         }
         ++changed_;
         out_ += std::to_string(index) + ": ";
-        append_terminal_text(out_, wide_from_ansi(*link.path));
+        append_terminal_text(out_, wide_from_ansi(plan_.path(index)));
         out_ += " -> ";
-        append_terminal_text(out_, wide_from_ansi(*link.new_path));
+        append_terminal_text(out_, wide_from_ansi(*new_path));
         out_.push_back('\n');
         print_when_large(out_);
     }
@@ -84,9 +84,9 @@ void Report::add_joined_links() {
 void Report::add_shared_ids() {
     std::map<std::string, const IndexedValue*> first_of_path;
     for (const IndexedValue& wish : arguments_.ids) {
-        const PlannedLink link = plan_.link(wish.index);
-        const bool has_new_path = link.new_path != nullptr && !keeps_path(wish.index);
-        const std::string& path = has_new_path ? *link.new_path : *link.path;
+        const std::string& old_path = plan_.path(wish.index);
+        const std::string path =
+            keeps_path(wish.index) ? old_path : plan_.new_path(wish.index).value_or(old_path);
         const auto [first, is_new] = first_of_path.try_emplace(ppt::ascii_lower(path), &wish);
         if (!is_new && first->second->value != wish.value) {
             out_ += listed({first->second->index, wish.index}) +
@@ -126,9 +126,9 @@ void Report::add_counts() {
 }
 
 // "link 3 (picture C:\\map.wmf) "
-std::string which_link(const PlannedLink& link, std::int32_t index) {
-    return "link " + std::to_string(index) + " (" + std::string(name_of(link.kind)) + ' ' +
-           utf8_from_wide(wide_from_ansi(*link.path)) + ") ";
+std::string which_link(const RelinkPlan& plan, std::int32_t index) {
+    return "link " + std::to_string(index) + " (" + std::string(name_of(plan.kind(index))) + ' ' +
+           utf8_from_wide(wide_from_ansi(plan.path(index))) + ") ";
 }
 
 void Report::print_all() {
@@ -146,20 +146,20 @@ void print_report(const RelinkArguments& arguments, const RelinkPlan& plan,
     Report(arguments, plan, outcome).print_all();
 }
 
-std::string why_not_mapped(const PlannedLink& link, std::int32_t index) {
-    return which_link(link, index) +
+std::string why_not_mapped(const RelinkPlan& plan, std::int32_t index) {
+    return which_link(plan, index) +
            "keeps its path, because that has characters that the code page in use does not have; "
            "give the new path with --set" +
            kOrChangeCodePage;
 }
 
-std::string why_without_id(const PlannedLink& link, std::int32_t index) {
-    return which_link(link, index) + "has lost its id, which the document properties did not take";
+std::string why_without_id(const RelinkPlan& plan, std::int32_t index) {
+    return which_link(plan, index) + "has lost its id, which the document properties did not take";
 }
 
-std::string why_not_written(const PlannedLink& link, std::int32_t index) {
-    const std::string which = which_link(link, index);
-    switch (link.kind) {
+std::string why_not_written(const RelinkPlan& plan, std::int32_t index) {
+    const std::string which = which_link(plan, index);
+    switch (plan.kind(index)) {
     case LinkKind::hyperlink:
         return which + "leads to its new path, but the text that shows it could not be changed; "
                        "change that text by hand";

@@ -27,8 +27,8 @@ std::string listed(const std::vector<std::int32_t>& indexes);
 void print_report(const RelinkArguments& arguments, const RelinkPlan& plan, const Outcome& outcome);
 
 // Which link was not mapped or not written, why and what to do; in UTF-8, without a full stop.
-std::string why_not_mapped(const PlannedLink& link, std::int32_t index);
-std::string why_without_id(const PlannedLink& link, std::int32_t index);
-std::string why_not_written(const PlannedLink& link, std::int32_t index);
+std::string why_not_mapped(const RelinkPlan& plan, std::int32_t index);
+std::string why_without_id(const RelinkPlan& plan, std::int32_t index);
+std::string why_not_written(const RelinkPlan& plan, std::int32_t index);
 
 } // namespace pptlinks

@@ -58,6 +58,18 @@ void write_deck(const std::string& path) {
     deck.write(path);
 }
 
+// Hyperlinks with short paths of their own, each shown once.
+void write_deck_of_objects(const std::string& path, std::int32_t count) {
+    Deck deck;
+    Bytes references;
+    for (std::int32_t i = 0; i < count; ++i) {
+        const std::string name = "C:\\" + std::to_string(i);
+        bytes::append(references, external_object_ref(deck.hyperlink({name.begin(), name.end()})));
+    }
+    deck.add_slide().shape(Shape().record(client_data(references)));
+    deck.write(path);
+}
+
 const std::string kNewPath = "D:\\" + std::string(1000, 'y');
 
 std::uint64_t memory_of_loading(const std::string& path) {
@@ -69,23 +81,33 @@ std::uint64_t memory_of_loading(const std::string& path) {
     return heap.bytes();
 }
 
-std::uint64_t memory_of_rewriting(const std::string& path, std::string copy) {
+// Each of the links gets the path that `new_path` names for it.
+template <class NewPath>
+std::uint64_t memory_of_rewriting(const std::string& path, std::string copy, std::int32_t count,
+                                  NewPath new_path) {
     ppt::state().version_ceiling = 255;
     const fault::HeapPeak heap;
     EXPECT_EQ(j_loadFile(path.c_str(), 3), 0);
-    for (std::int32_t index = 0; index < kUses; ++index) {
-        EXPECT_EQ(j_setLinkFileName(index, kNewPath.c_str(), 0), 0);
+    for (std::int32_t index = 0; index < count; ++index) {
+        EXPECT_EQ(j_setLinkFileName(index, new_path(index).c_str(), 0), 0);
     }
     EXPECT_EQ(j_rewriteFile(copy.data(), 3), 0);
     return heap.bytes();
 }
 
-class ManyUsesOfOnePath : public testing::Test {
+class CommandMemory : public testing::Test {
   protected:
-    ManyUsesOfOnePath() { write_deck(deck_); }
-    ~ManyUsesOfOnePath() override { std::filesystem::remove_all(folder_); }
+    ~CommandMemory() override { std::filesystem::remove_all(folder_); }
 
     std::string file(const std::string& name) const { return (folder_ / name).string(); }
+
+    const std::filesystem::path folder_ = make_temporary_folder("ppt");
+    const std::string deck_ = file("deck.ppt");
+};
+
+class ManyUsesOfOnePath : public CommandMemory {
+  protected:
+    ManyUsesOfOnePath() { write_deck(deck_); }
 
     // As text and as JSON.
     template <class Arguments>
@@ -101,9 +123,6 @@ class ManyUsesOfOnePath : public testing::Test {
             EXPECT_LE(heap.bytes(), allowed) << (json ? "as JSON" : "as text");
         }
     }
-
-    const std::filesystem::path folder_ = make_temporary_folder("ppt");
-    const std::string deck_ = file("deck.ppt");
 };
 
 TEST_F(ManyUsesOfOnePath, AreListedInLittleMoreMemoryThanLoadingTakes) {
@@ -117,7 +136,9 @@ TEST_F(ManyUsesOfOnePath, AreCheckedInLittleMoreMemoryThanLoadingTakes) {
 }
 
 TEST_F(ManyUsesOfOnePath, AreRelinkedInLittleMoreMemoryThanRewritingTakes) {
-    const std::uint64_t allowed = memory_of_rewriting(deck_, file("plain.ppt")) + kMegabyte;
+    const std::uint64_t allowed =
+        memory_of_rewriting(deck_, file("plain.ppt"), kUses, [](int) { return kNewPath; }) +
+        kMegabyte;
     pptlinks::RelinkArguments arguments;
     arguments.file = deck_;
     arguments.out = file("copy.ppt");
@@ -126,6 +147,24 @@ TEST_F(ManyUsesOfOnePath, AreRelinkedInLittleMoreMemoryThanRewritingTakes) {
     const fault::HeapPeak heap;
     EXPECT_EQ(pptlinks::run_relink(arguments), 0);
     EXPECT_LE(heap.bytes(), allowed);
+}
+
+// Beside the rewriting 20 bytes for a link, its place in an order, and the text of its path.
+TEST_F(CommandMemory, OfRelinkingManyObjectsIsLittleMoreThanRewritingTakes) {
+    constexpr std::int32_t kObjects = 5000;
+    constexpr std::uint64_t kForOne = 80;
+    write_deck_of_objects(deck_, kObjects);
+    const std::uint64_t rewriting =
+        memory_of_rewriting(deck_, file("plain.ppt"), kObjects,
+                            [](int index) { return "D:\\" + std::to_string(index); });
+    pptlinks::RelinkArguments arguments;
+    arguments.file = deck_;
+    arguments.out = file("copy.ppt");
+    arguments.maps = {{"C:", "D:"}};
+    const Silence silence;
+    const fault::HeapPeak heap;
+    EXPECT_EQ(pptlinks::run_relink(arguments), 0);
+    EXPECT_LE(heap.bytes(), rewriting + kObjects * kForOne);
 }
 
 } // namespace

@@ -18,10 +18,9 @@ Link link_to(std::string path, std::int32_t ordinal, std::uint32_t object = 1) {
 }
 
 RelinkPlan plan_of(const std::vector<Link>& links, const PathWishes& wishes) {
-    RelinkPlan plan;
-    for (const Link& link : links) {
-        plan.add(link);
-    }
+    RelinkPlan plan(static_cast<std::int32_t>(links.size()), [&links](std::int32_t index) {
+        return links.at(static_cast<std::size_t>(index));
+    });
     plan.apply(wishes);
     return plan;
 }
@@ -32,8 +31,7 @@ Paths new_paths(const RelinkPlan& plan) {
     Paths paths;
     const auto count = static_cast<std::int32_t>(plan.link_count());
     for (std::int32_t i = 0; i < count; ++i) {
-        const std::string* const path = plan.link(i).new_path;
-        paths.push_back(path == nullptr ? std::nullopt : std::optional(*path));
+        paths.push_back(plan.new_path(i));
     }
     return paths;
 }
