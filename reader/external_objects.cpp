@@ -49,6 +49,19 @@ void v_addHyperlinkObject(PptRecord& container, const Ordinals& at, Templates& f
     found.push_back(std::move(record));
 }
 
+// What stands behind a path is no link's, but a rewrite of the object walks it: with the letter "k"
+// an object with damage there is left out, since it would cost the whole rewrite.
+void v_passRest(PptRecord& container) {
+    while (state().keeps_going()) {
+        PptRecord* const child = container.ps_nextChild();
+        if (child == nullptr) {
+            return;
+        }
+        container.v_skipChild(*child);
+    }
+    container.v_skipRest();
+}
+
 // [MS-PPT] ExVideoContainer, ExMIDIAudioContainer, ExWAVAudioLinkContainer. A path of another
 // instance, or an empty one, is no link.
 void v_addMediaObject(PptRecord& container, const Ordinals& at, Templates& found) {
@@ -64,7 +77,7 @@ void v_addMediaObject(PptRecord& container, const Ordinals& at, Templates& found
     if (!record.file_name.empty()) {
         found.push_back(std::move(record));
     }
-    container.v_skipRest();
+    v_passRest(container);
 }
 
 void add_videos_of_list(PptRecord& container, const Ordinals& at, Templates& found) {
@@ -79,7 +92,7 @@ void add_videos_of_list(PptRecord& container, const Ordinals& at, Templates& fou
 
 void add_movie(PptRecord& container, const Ordinals& at, Templates& found) {
     v_addMediaObject(required_child(container, RT_ExternalVideo), at, found);
-    container.v_skipRest();
+    v_passRest(container);
 }
 
 // [MS-PPT] ExOleLinkContainer, ExControlContainer.

@@ -133,13 +133,14 @@ class Editor {
     ShownProperties before_;
 };
 
-// A value that lacks its end cannot be decoded, until it is written with zeros behind it up to
-// where the next one may begin.
+// A value that lacks its end cannot be decoded, nor its type be told when that is cut, until it is
+// written with zeros behind it up to where the next one may begin.
 void forget_completed(ShownProperties& reread, const ShownProperties& written) {
     for (auto& [id, property] : reread) {
         const auto known = written.find(id);
         if (known != written.end() && !known->second.value) {
             property.value.reset();
+            property.type = known->second.type == 0 ? std::uint16_t{0} : property.type;
         }
     }
 }

@@ -156,6 +156,21 @@ TEST_F(KeepGoingTest, AnExternalObjectIsLeftOutAndCopiedAsItIs) {
     }
 }
 
+// Only a rewrite walks what stands behind the path, and it would fail as a whole.
+TEST_F(KeepGoingTest, ASoundWithDamageBehindItsPathIsLeftOut) {
+    Bytes record_longer_than_the_sound = atom(0, 0x0FFF, Bytes(4));
+    bytes::store_u32(record_longer_than_the_sound, 4, 5);
+    Deck deck;
+    deck.external_object(
+        container(0, type::kExternalWavAudioLink,
+                  {media_atom(7), cstring(0, u"C:\\7.wav"), record_longer_than_the_sound}));
+    const auto web = deck.hyperlink(u"http://a/");
+    deck.add_slide().shape(Shape().object(7)).shape(Shape().link(web));
+    EXPECT_EQ(load_strictly(deck), 0);
+    expect_left_out(deck, "1|8140|sound|2", {"http://a/"});
+    relink_loaded({{0, u"b:"}});
+}
+
 TEST_F(KeepGoingTest, ObjectsBehindOneThatIsLeftOutKeepTheirPlaces) {
     Deck deck;
     deck.external_object(
