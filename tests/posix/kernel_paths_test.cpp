@@ -65,9 +65,9 @@ TEST_F(Paths, ANameIsFoundInAnyLetterCase) {
     EXPECT_EQ(to_native_path("Z:\\SAME.TXT"), at("Same.txt"));
 }
 
-// Long enough for the names of a folder to be remembered.
+// Long enough for the names of a folder to be remembered, by a clock that may lag a little.
 void settle() {
-    std::this_thread::sleep_for(std::chrono::seconds(3));
+    std::this_thread::sleep_for(std::chrono::milliseconds(3100));
 }
 
 TEST_F(Paths, ManyMissingNamesCostOneReadingOfTheirFolder) {
