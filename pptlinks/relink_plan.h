@@ -80,7 +80,8 @@ class RelinkPlan {
     Entry& at(std::int32_t index) { return links_[static_cast<std::size_t>(index)]; }
     TextNumber keep(std::string text);
     void keep_paths(const std::function<Link(std::int32_t)>& link);
-    // The indexes of the links by what `key` gives for their entries, those of equal keys ascending.
+    // The indexes of the links by what `key` gives for their entries, those of equal keys
+    // ascending.
     template <class Key>
     std::vector<std::int32_t> order_by(Key key) const;
     bool change_together(std::int32_t a, std::int32_t b) const;
