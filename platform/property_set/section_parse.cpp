@@ -104,25 +104,27 @@ const Pair* find_pair(const Pairs& pairs, PropertyId id) {
     return found == pairs.list.end() ? nullptr : &*found;
 }
 
-SectionText text_of(const Pairs& pairs, std::uint32_t default_code_page) {
-    const Pair* pair = find_pair(pairs, kCodePageId);
-    if (pair == nullptr) {
-        return SectionText(default_code_page);
+// The number behind the type, 0 without such a property. Zeros stand for what a value lacks: a copy
+// of the section has them there, and must not mean something else.
+std::uint32_t number_of(const Pair* pair) {
+    std::uint32_t number = 0;
+    if (pair != nullptr) {
+        const bytes::View raw = pair->value.view();
+        const std::size_t end = std::min(raw.size(), kTypeSize + sizeof number);
+        for (std::size_t i = kTypeSize; i < end; ++i) {
+            number |= std::uint32_t{raw[i]} << (8 * (i - kTypeSize));
+        }
     }
-    bytes::Cursor cursor(pair->value.view());
-    cursor.skip(kTypeSize);
-    const std::uint16_t code_page = cursor.u16();
+    return number;
+}
+
+SectionText text_of(const Pairs& pairs, std::uint32_t default_code_page) {
+    const auto code_page = static_cast<std::uint16_t>(number_of(find_pair(pairs, kCodePageId)));
     return SectionText(code_page != 0 ? code_page : default_code_page);
 }
 
 bool case_matters(const Pairs& pairs, std::uint16_t version) {
-    const Pair* pair = find_pair(pairs, kBehaviourId);
-    if (version == 0 || pair == nullptr) {
-        return false;
-    }
-    bytes::Cursor cursor(pair->value.view());
-    cursor.skip(kTypeSize);
-    return cursor.u32() == kCaseMatters;
+    return version != 0 && number_of(find_pair(pairs, kBehaviourId)) == kCaseMatters;
 }
 
 } // namespace

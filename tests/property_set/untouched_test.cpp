@@ -60,6 +60,15 @@ TEST(Untouched, ValuesOfAnyKindKeepTheirBytes) {
     }));
 }
 
+// A copy has zeros behind a value that is cut: 1252 begins with 0xE4.
+TEST(Untouched, ACutCodePageMeansWhatItMeansInACopy) {
+    PropertySet set = open_user(raw_stream::user_stream(
+        {{1, {2, 0, 0, 0, 0xE4}}, {2, raw_stream::lpstr("\xC4\0"sv)}, {3, raw_stream::i4(3)}}));
+    const Value before = set.section().read(PropertyId{2}).value();
+    put(set, PropertyId{3}, {Type::i4, 4});
+    EXPECT_EQ(open_user(set.encode()).section().read(PropertyId{2}), before);
+}
+
 TEST(Untouched, OtherSectionsKeepTheirPhysicalExtentAndPlace) {
     auto document = raw_stream::section({{1, raw_stream::i2(1252)}});
     document[0] = 8; // claims to be shorter than it is
