@@ -13,14 +13,28 @@ using Paths = std::vector<std::string>;
 
 constexpr const char* kCopy = "copy.ppt";
 
-// Gives every link another path, shorter or longer than the old one: the same one to links that had
-// the same, since they may be one object of the document.
+// For each link the first one that is of the same object, else the first that has the same path. Of
+// the uses of an object that is listed without a path one may have got it from the properties.
+std::vector<std::size_t> first_of_each(const Paths& paths) {
+    std::map<std::int32_t, std::size_t> of_object;
+    std::map<std::string, std::size_t> of_path;
+    std::vector<std::size_t> first;
+    for (std::size_t i = 0; i < paths.size(); ++i) {
+        const std::size_t same_path = of_path.try_emplace(paths[i], i).first->second;
+        const std::int32_t object = ppt::state().links.links().at(i).object_list_ordinal;
+        first.push_back(object < 0 ? same_path
+                                   : of_object.try_emplace(object, same_path).first->second);
+    }
+    return first;
+}
+
+// Gives every link another path, shorter or longer than the old one, those of one object the same.
 Paths change_links(const Paths& old) {
     Paths paths;
-    std::map<std::string, std::size_t> numbers;
+    const std::vector<std::size_t> first = first_of_each(old);
     for (std::size_t i = 0; i < old.size(); ++i) {
-        const std::size_t number = numbers.try_emplace(old[i], i).first->second;
-        const std::size_t length = (old[i].size() + 7 * number) % 60;
+        const std::size_t number = first[i];
+        const std::size_t length = (old[number].size() + 7 * number) % 60;
         paths.push_back("D:\\" + std::to_string(number) + std::string(length, 'n') + ".doc");
         const auto index = static_cast<std::int32_t>(i);
         fuzz::require(j_setLinkFileName(index, paths.back().c_str(), 0) == 0,
