@@ -300,6 +300,13 @@ class PropertyWriter {
     std::unordered_set<PROPID> deleted_;
 };
 
+bool b_anyId() {
+    const std::deque<LinkRecord>& links = state().links.links();
+    return b_id64IsClear(&state().target_file_id) == 0 ||
+           std::any_of(links.begin(), links.end(),
+                       [](const LinkRecord& link) { return b_id64IsClear(&link.link_id) == 0; });
+}
+
 // Runs one step; its failure ends the step alone, unless memory ran out or the disk failed. A
 // status code leaves the document path as error parameter.
 template <class Step>
@@ -322,6 +329,10 @@ std::int32_t j_writeLinkIdsToProperties(IStorage* root, std::int32_t flags) {
     try {
         section.open_for_writing(root);
     } catch (int failure) {
+        // A stream without the section, and without a place for it, has nothing that could be old.
+        if (failure == status::kDamaged && state().keeps_going() && !b_anyId()) {
+            return status::kSuccess;
+        }
         v_setErrorParamText(document_path());
         return failure;
     }

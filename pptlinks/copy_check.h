@@ -7,33 +7,48 @@
 
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
 namespace pptlinks {
 
-// The ids that a copy was to have and that its document properties did not take.
-struct LostIds {
-    std::vector<std::int32_t> links; // ascending
-    bool own = false;                // that of the presentation itself
+// Where the ids of a copy are not those that it was to have. Links that had none, and that none was
+// asked for, may have one: document properties keep ids by path.
+struct IdDifferences {
+    // Links, ascending.
+    std::vector<std::int32_t> lost;      // without an id
+    std::vector<std::int32_t> not_taken; // asked for, but there is another, or one instead of none
+    std::vector<std::int32_t> changed;   // with another id though nothing was asked for
+    bool own = false;                    // that of the presentation itself
 };
 
 class CopyCheck {
   public:
     // Remembers what the copy of the presentation has to have, as it is just before it is written.
-    explicit CopyCheck(const LoadedPresentation& presentation);
+    // `asked`: the ids that the user set, of which some may be cleared.
+    CopyCheck(const LoadedPresentation& presentation, const std::vector<IndexedValue>& asked);
 
-    // What the copy at the path lacks; nothing when it cannot be loaded like the presentation or
-    // has not the links of the plan. `not_written`, ascending: links of which the ids do not count.
-    // Throws StatusFailure when memory runs out. Cost: a load of the copy.
-    std::optional<LostIds> lost_ids(const Session& session, const std::string& ansi_copy,
-                                    const RelinkPlan& plan,
-                                    const std::vector<std::int32_t>& not_written) const;
+    // Nothing when the copy at the path cannot be loaded like the presentation or has not the links
+    // of the plan. `not_written`, ascending: links of which the ids do not count. Throws
+    // StatusFailure when memory runs out. Cost: a load of the copy.
+    std::optional<IdDifferences> differences(const Session& session, const std::string& ansi_copy,
+                                             const RelinkPlan& plan,
+                                             const std::vector<std::int32_t>& not_written) const;
 
   private:
+    using IdNumber = std::uint32_t;
+
+    void remember_ids(const LoadedPresentation& presentation);
+    std::optional<std::uint64_t> wanted_id(std::int32_t index) const;
+    IdDifferences compare_ids(const LoadedPresentation& copy,
+                              const std::vector<std::int32_t>& not_written) const;
+
     std::size_t unread_;
-    std::vector<std::int32_t> links_with_ids_;
-    bool has_own_id_;
+    std::vector<std::uint64_t> ids_;   // that links have, ascending
+    std::vector<IdNumber> id_of_link_; // positions in `ids_`; its size for none; empty without ids
+    std::set<std::int32_t> asked_;
+    std::optional<std::string> own_id_;
 };
 
 } // namespace pptlinks

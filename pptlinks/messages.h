@@ -17,7 +17,8 @@ namespace pptlinks {
 // Which file a failure of a rewrite speaks of; while loading it is always the presentation.
 enum class Culprit { presentation, copy };
 
-// Stands for a status where a sentence is looked for: a path that 6505 does not word.
+// Stand for a status where a sentence is looked for, for what no status tells by itself.
+inline constexpr std::int32_t kIsFolder = -2;
 inline constexpr std::int32_t kNameNotUtf8 = -1;
 
 struct Message {

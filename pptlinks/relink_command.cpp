@@ -105,32 +105,34 @@ std::vector<std::int32_t> rewrite(LoadedPresentation& presentation, const Source
 }
 
 // Throws FileFailure for a copy that nobody should get.
-LostIds read_back(const Session& session, const CopyCheck& check, const OutputFile& output,
-                  const RelinkPlan& plan, const Outcome& outcome, const std::string& file) {
-    const std::optional<LostIds> lost =
-        check.lost_ids(session, output.temporary(), plan, outcome.not_written);
-    if (!lost) {
+IdDifferences read_back(const Session& session, const CopyCheck& check, const OutputFile& output,
+                        const RelinkPlan& plan, const Outcome& outcome, const std::string& file) {
+    std::optional<IdDifferences> differences =
+        check.differences(session, output.temporary(), plan, outcome.not_written);
+    if (!differences) {
         throw FileFailure(file,
                           "its copy could not be read back with all links, so it was not kept; "
                           "the presentation is damaged or built in a way that is not "
                           "understood");
     }
-    return *lost;
+    return *std::move(differences);
 }
 
 // What the user has to know of a copy beside the report.
-void complain_of(const RelinkPlan& plan, const Outcome& outcome, const LostIds& lost,
-                 const std::string& out) {
+void complain_of(const RelinkPlan& plan, const Outcome& outcome, const std::string& out) {
     for (const std::int32_t index : plan.not_known_whole()) {
         complain(sentence(FileFailure(out, why_not_mapped(plan, index))));
     }
     for (const std::int32_t index : outcome.not_written) {
         complain(sentence(FileFailure(out, why_not_written(plan, index))));
     }
-    for (const std::int32_t index : lost.links) {
+    for (const std::int32_t index : outcome.ids.lost) {
         complain(sentence(FileFailure(out, why_without_id(plan, index))));
     }
-    if (lost.own) {
+    for (const std::int32_t index : outcome.ids.not_taken) {
+        complain(sentence(FileFailure(out, why_other_id(plan, index))));
+    }
+    if (outcome.ids.own) {
         complain(sentence(FileFailure(out, "its document properties did not take the id of the "
                                            "presentation")));
     }
@@ -158,14 +160,15 @@ int relink(const Session& session, const RelinkArguments& arguments) {
     outcome.same = apply_paths(presentation, plan);
     outcome.unread = presentation.unread();
     apply_ids(presentation, arguments);
-    const CopyCheck check(presentation);
+    const CopyCheck check(presentation, arguments.ids);
     outcome.not_written = rewrite(presentation, watch, output);
-    const LostIds lost = read_back(session, check, output, plan, outcome, arguments.file);
+    outcome.ids = read_back(session, check, output, plan, outcome, arguments.file);
     output.publish();
-    complain_of(plan, outcome, lost, arguments.out);
+    complain_of(plan, outcome, arguments.out);
     print_report(arguments, plan, outcome);
     const bool all_done = plan.not_known_whole().empty() && outcome.not_written.empty() &&
-                          lost.links.empty() && !lost.own && outcome.unread.count == 0;
+                          outcome.ids.lost.empty() && outcome.ids.not_taken.empty() &&
+                          !outcome.ids.own && outcome.unread.count == 0;
     return all_done ? 0 : kExitFailed;
 }
 

@@ -1,6 +1,5 @@
 #include "pptlinks/relink_report.h"
 
-#include "common_new/SafeFunc/paths.h"
 #include "pptlinks/listing.h"
 #include "pptlinks/output.h"
 #include "pptlinks/system_wording.h"
@@ -8,7 +7,6 @@
 #include "pptlinks/text_encoding.h"
 
 #include <algorithm>
-#include <map>
 
 namespace pptlinks {
 
@@ -38,7 +36,8 @@ class Report {
     bool keeps_path(std::int32_t index) const;
     void add_changed_links();
     void add_joined_links();
-    void add_shared_ids();
+    void add_changed_ids();
+    std::size_t count_of_ids_set() const;
     void add_counts();
 
     const RelinkArguments& arguments_;
@@ -80,19 +79,23 @@ void Report::add_joined_links() {
     }
 }
 
-// Ids are stored by path, so links with one path cannot be told apart by them.
-void Report::add_shared_ids() {
-    std::map<std::string, const IndexedValue*> first_of_path;
-    for (const IndexedValue& wish : arguments_.ids) {
-        const std::string& old_path = plan_.path(wish.index);
-        const std::string path =
-            keeps_path(wish.index) ? old_path : plan_.new_path(wish.index).value_or(old_path);
-        const auto [first, is_new] = first_of_path.try_emplace(ppt::ascii_lower(path), &wish);
-        if (!is_new && first->second->value != wish.value) {
-            out_ += listed({first->second->index, wish.index}) +
-                    " have the same path, so the copy lists them with one id\n";
-        }
+void Report::add_changed_ids() {
+    for (const std::int32_t index : outcome_.ids.changed) {
+        out_ += "link " + std::to_string(index) + " has another id now, that of its path\n";
+        print_when_large(out_);
     }
+}
+
+// Of those that were asked for.
+std::size_t Report::count_of_ids_set() const {
+    const auto was_set = [this](const IndexedValue& wish) {
+        const auto is_in = [&wish](const std::vector<std::int32_t>& links) {
+            return std::binary_search(links.begin(), links.end(), wish.index);
+        };
+        return !is_in(outcome_.ids.lost) && !is_in(outcome_.ids.not_taken);
+    };
+    return static_cast<std::size_t>(
+        std::count_if(arguments_.ids.begin(), arguments_.ids.end(), was_set));
 }
 
 void Report::add_counts() {
@@ -117,9 +120,9 @@ void Report::add_counts() {
         out_ += ", " + counted(kept_texts, "displayed text") + " unchanged (could not be written)";
     }
     if (!arguments_.ids.empty()) {
-        out_ += ", " + counted(arguments_.ids.size(), "link id") + " set";
+        out_ += ", " + counted(count_of_ids_set(), "link id") + " set";
     }
-    if (arguments_.target_id) {
+    if (arguments_.target_id && !outcome_.ids.own) {
         out_ += ", id of the presentation set";
     }
     out_ += summary_of(outcome_.unread) + '\n';
@@ -134,7 +137,7 @@ std::string which_link(const RelinkPlan& plan, std::int32_t index) {
 void Report::print_all() {
     add_changed_links();
     add_joined_links();
-    add_shared_ids();
+    add_changed_ids();
     add_counts();
     print(out_);
 }
@@ -155,6 +158,12 @@ std::string why_not_mapped(const RelinkPlan& plan, std::int32_t index) {
 
 std::string why_without_id(const RelinkPlan& plan, std::int32_t index) {
     return which_link(plan, index) + "has lost its id, which the document properties did not take";
+}
+
+std::string why_other_id(const RelinkPlan& plan, std::int32_t index) {
+    return which_link(plan, index) +
+           "has not the id that it was to have: the document properties, which keep ids by path, "
+           "did not take it or have another for this path";
 }
 
 std::string why_not_written(const RelinkPlan& plan, std::int32_t index) {

@@ -1,6 +1,7 @@
 // What `pptlinks relink` tells of a rewrite: what changed, and what could not be changed.
 #pragma once
 
+#include "pptlinks/copy_check.h"
 #include "pptlinks/relink_plan.h"
 
 #include <cstddef>
@@ -17,6 +18,7 @@ struct Outcome {
     // hyperlinks of which only the displayed text stayed.
     std::vector<std::int32_t> not_written;
     Unread unread; // is in the copy as it was
+    IdDifferences ids;
 };
 
 // "links 0, 2 and 5"
@@ -26,9 +28,11 @@ std::string listed(const std::vector<std::int32_t>& indexes);
 // FileFailure when not all of it could be printed.
 void print_report(const RelinkArguments& arguments, const RelinkPlan& plan, const Outcome& outcome);
 
-// Which link was not mapped or not written, why and what to do; in UTF-8, without a full stop.
+// Which link was not mapped, not written or has not its id, why and what to do; in UTF-8, without a
+// full stop.
 std::string why_not_mapped(const RelinkPlan& plan, std::int32_t index);
 std::string why_without_id(const RelinkPlan& plan, std::int32_t index);
+std::string why_other_id(const RelinkPlan& plan, std::int32_t index);
 std::string why_not_written(const RelinkPlan& plan, std::int32_t index);
 
 } // namespace pptlinks

@@ -5,6 +5,7 @@
 #include "plugin/state.h"
 #include "plugin/status.h"
 #include "pptlinks/machine.h"
+#include "pptlinks/messages.h"
 #include "pptlinks/number_parameter.h"
 #include "pptlinks/text_encoding.h"
 #include "reader/presentation.h"
@@ -134,6 +135,11 @@ id64 id_of(const std::string& text) {
     return id;
 }
 
+bool is_folder(const std::string& ansi_path) {
+    const DWORD attributes = GetFileAttributesA(ansi_path.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
 bool is_folder_missing(const std::string& ansi_path) {
     return GetFileAttributesA(ansi_path.c_str()) == INVALID_FILE_ATTRIBUTES &&
            GetLastError() == ERROR_PATH_NOT_FOUND;
@@ -144,6 +150,9 @@ std::optional<std::int32_t> closer_status(std::int32_t status, const std::string
     if (status == ppt::status::kInUseByOther &&
         StgIsStorageFile(wide_from_ansi(ansi_path).c_str()) == S_FALSE) {
         return ppt::status::kNotAPresentation;
+    }
+    if (status == ppt::status::kAccessDenied && is_folder(ansi_path)) {
+        return kIsFolder;
     }
     if (status == ppt::status::kDamaged && is_folder_missing(ansi_path)) {
         return ppt::status::kPathNotFound;

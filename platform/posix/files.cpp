@@ -5,7 +5,9 @@
 #include "platform/posix/settings.h"
 
 #include <cerrno>
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 DWORD GetFileAttributesA(const char* path) {
     if (path == nullptr) {
@@ -31,6 +33,15 @@ DWORD GetFileAttributesA(const char* path) {
 }
 
 std::FILE* open_text_log(const char* path) {
+    constexpr mode_t kPermissions = 0666; // without those that the user masks out
     const std::string native = platform::native_path_to_write(path);
-    return native.empty() ? nullptr : std::fopen(native.c_str(), "wbe");
+    const int file =
+        native.empty() ? -1
+                       : open(native.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC,
+                              kPermissions);
+    std::FILE* const log = file < 0 ? nullptr : fdopen(file, "wb");
+    if (file >= 0 && log == nullptr) {
+        close(file);
+    }
+    return log;
 }

@@ -104,5 +104,6 @@ HRESULT CoInitialize(void* reserved);
 void CoUninitialize();
 
 // Beside the system's own: opens the file at a path of the documents for writing from its start, or
-// null. The caller closes it.
+// null, also for a symbolic link: where others may write, it could lead to a file of the user's.
+// The caller closes it.
 std::FILE* open_text_log(const char* path);

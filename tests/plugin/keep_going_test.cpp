@@ -400,6 +400,24 @@ TEST_F(KeepGoingTest, DocumentPropertiesThatCannotBeReadAreCopied) {
     EXPECT_EQ(rewrite("other.ppt"), status::kPropertiesFailed);
 }
 
+// One bit of the section's format id is enough for that.
+TEST_F(KeepGoingTest, DocumentPropertiesWithoutAPlaceForIdsCostOnlyIds) {
+    Deck deck;
+    deck.add_slide().shape(Shape().link(deck.hyperlink(u"http://a/")));
+    Bytes properties = PropertyStream().text(u"name", u"value").build();
+    constexpr std::size_t kFormatOfSecondSection = 0x30;
+    properties[kFormatOfSecondSection] ^= 1;
+    deck.properties(properties);
+    ASSERT_EQ(load(deck), 0) << error_params();
+    relink_loaded({{0, u"b:"}});
+    EXPECT_EQ(StoredFile(path("out.ppt")).stream(kProperties), properties);
+
+    ASSERT_EQ(load(deck), 0);
+    const id64 id{{7, 0}};
+    EXPECT_EQ(j_setLinkId(0, 0, &id), 0);
+    EXPECT_EQ(rewrite("other.ppt"), status::kDamaged) << "the id would be lost";
+}
+
 TEST_F(KeepGoingTest, DocumentPropertiesThatEndTooEarlyAreLeftOut) {
 #if defined(_WIN32)
     GTEST_SKIP() << "the system reads on behind the end of the sectors without a failure";

@@ -148,6 +148,9 @@ TEST_F(Files, ATextLogIsWrittenThroughTheTable) {
     std::fclose(log);
     EXPECT_EQ(content_of("trace.log"), "line\r\n");
     EXPECT_EQ(open_text_log("Q:\\trace.log"), nullptr);
+    std::filesystem::create_symlink(at("trace.log"), at("link.log"));
+    EXPECT_EQ(open_text_log("Z:\\link.log"), nullptr);
+    EXPECT_EQ(content_of("trace.log"), "line\r\n");
 }
 
 } // namespace

@@ -166,11 +166,11 @@ TEST_F(RelinkRun, IdsThatThePropertiesDoNotTakeAreNamed) {
 TEST_F(RelinkRun, IdsOfLinksWithOnePathAreOne) {
     const RunResult result = relink(
         {"--set", "3=c:\\OLD\\film.avi", "--set-id", "1=8", "--set-id", "3=9", "--set-id", "4=7"});
-    EXPECT_EQ(result.status, 0) << result.error;
-    EXPECT_NE(
-        result.out.find("links 1 and 3 have the same path, so the copy lists them with one id\n"),
-        std::string::npos)
-        << result.out;
+    EXPECT_EQ(result.status, 1);
+    EXPECT_NE(result.error.find("link 1 (movie C:\\old\\film.avi) has not the id"),
+              std::string::npos)
+        << result.error;
+    EXPECT_NE(result.out.find(", 2 link ids set\n"), std::string::npos) << result.out;
     const Json copy = listing("out.ppt");
     EXPECT_EQ(copy["links"][1]["id"], copy["links"][3]["id"]);
     EXPECT_EQ(copy["links"][4]["id"], "7");
