@@ -30,23 +30,17 @@ class CopyCheck {
     CopyCheck(const LoadedPresentation& presentation, const std::vector<IndexedValue>& asked);
 
     // Nothing when the copy at the path cannot be loaded like the presentation or has not the links
-    // of the plan. `not_written`, ascending: links of which the ids do not count. Throws
-    // StatusFailure when memory runs out. Cost: a load of the copy.
+    // of the plan, which knows their ids. `not_written`, ascending: links of which the ids do not
+    // count. Throws StatusFailure when memory runs out. Cost: a load of the copy.
     std::optional<IdDifferences> differences(const Session& session, const std::string& ansi_copy,
                                              const RelinkPlan& plan,
                                              const std::vector<std::int32_t>& not_written) const;
 
   private:
-    using IdNumber = std::uint32_t;
-
-    void remember_ids(const LoadedPresentation& presentation);
-    std::optional<std::uint64_t> wanted_id(std::int32_t index) const;
-    IdDifferences compare_ids(const LoadedPresentation& copy,
+    IdDifferences compare_ids(const LoadedPresentation& copy, const RelinkPlan& plan,
                               const std::vector<std::int32_t>& not_written) const;
 
     std::size_t unread_;
-    std::vector<std::uint64_t> ids_;   // that links have, ascending
-    std::vector<IdNumber> id_of_link_; // positions in `ids_`; its size for none; empty without ids
     std::set<std::int32_t> asked_;
     std::optional<std::string> own_id_;
 };

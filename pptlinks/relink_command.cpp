@@ -53,9 +53,12 @@ void require_links(const LoadedPresentation& presentation, const RelinkArguments
     }
 }
 
+std::function<Link(std::int32_t)> links_of(const LoadedPresentation& presentation) {
+    return [&presentation](std::int32_t index) { return presentation.link(index); };
+}
+
 RelinkPlan make_plan(const LoadedPresentation& presentation, const RelinkArguments& arguments) {
-    RelinkPlan plan(presentation.link_count(),
-                    [&presentation](std::int32_t index) { return presentation.link(index); });
+    RelinkPlan plan(presentation.link_count(), links_of(presentation));
     plan.apply(path_wishes(arguments));
     plan.require_separate_ids(arguments.ids);
     if (!plan.inseparable().empty()) {
@@ -160,6 +163,7 @@ int relink(const Session& session, const RelinkArguments& arguments) {
     outcome.same = apply_paths(presentation, plan);
     outcome.unread = presentation.unread();
     apply_ids(presentation, arguments);
+    plan.keep_ids(links_of(presentation));
     const CopyCheck check(presentation, arguments.ids);
     outcome.not_written = rewrite(presentation, watch, output);
     outcome.ids = read_back(session, check, output, plan, outcome, arguments.file);

@@ -6,8 +6,10 @@
 #include "pptlinks/text_encoding.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <numeric>
 #include <optional>
+#include <set>
 #include <string_view>
 #include <tuple>
 #include <utility>
@@ -63,12 +65,19 @@ bool keeps_substitute(const std::string& path, const std::string& mapped) {
 
 } // namespace
 
+std::optional<std::uint64_t> id_number(const Link& link) {
+    return link.id ? std::optional(std::strtoull(link.id->c_str(), nullptr, 10)) : std::nullopt;
+}
+
 RelinkPlan::RelinkPlan(std::int32_t count, const std::function<Link(std::int32_t)>& link) {
     links_.reserve(static_cast<std::size_t>(count));
     for (std::int32_t i = 0; i < count; ++i) {
         const Link asked = link(i);
-        links_.push_back(
-            {asked.object_list_ordinal, asked.external_object_id, kNoText, kNoText, asked.kind});
+        Entry entry;
+        entry.object_list_ordinal = asked.object_list_ordinal;
+        entry.external_object_id = asked.external_object_id;
+        entry.kind = static_cast<std::uint8_t>(asked.kind);
+        links_.push_back(entry);
     }
     keep_paths(link);
 }
@@ -104,6 +113,28 @@ void RelinkPlan::keep_paths(const std::function<Link(std::int32_t)>& link) {
         entry.path = path.empty() ? lost : is_known ? last->path : keep(std::move(path));
         last = entry.path == lost ? last : &entry;
     }
+}
+
+void RelinkPlan::keep_ids(const std::function<Link(std::int32_t)>& link) {
+    const auto count = static_cast<std::int32_t>(links_.size());
+    std::set<std::uint64_t> known; // millions of links may share a few
+    for (std::int32_t i = 0; i < count; ++i) {
+        if (const auto id = id_number(link(i))) {
+            known.insert(*id);
+        }
+    }
+    ids_.assign(known.begin(), known.end());
+    for (std::int32_t i = 0; i < count; ++i) {
+        if (const auto id = id_number(link(i))) {
+            const auto place = std::lower_bound(ids_.begin(), ids_.end(), *id);
+            at(i).id = static_cast<std::uint32_t>(place - ids_.begin()) & kNoId;
+        }
+    }
+}
+
+std::optional<std::uint64_t> RelinkPlan::id(std::int32_t index) const {
+    const std::uint32_t place = at(index).id;
+    return place == kNoId ? std::nullopt : std::optional(ids_[place]);
 }
 
 std::optional<std::string> RelinkPlan::new_path(std::int32_t index) const {

@@ -1,8 +1,8 @@
 // Which link gets which path: the user's --set and --map applied to the links of a presentation.
 //
 // A use of an object takes 12 bytes of a file, and a path may be long: the plan keeps 20 bytes for
-// a link, the paths once for each object, and makes mapped paths when they are asked for. It stays
-// good when the presentation is unloaded.
+// a link, the paths once for each object, each id once, and makes mapped paths when they are asked
+// for. It stays good when the presentation is unloaded.
 #pragma once
 
 #include "pptlinks/arguments.h"
@@ -25,6 +25,9 @@ struct PathWishes {
     std::vector<PathMapEntry> maps;            // ANSI
 };
 
+// The id of a link as a number.
+std::optional<std::uint64_t> id_number(const Link& link);
+
 class RelinkPlan {
   public:
     // The links of a presentation that has `count` of them; `link` is asked for each twice.
@@ -43,15 +46,20 @@ class RelinkPlan {
     // Every index is that of a link.
     void require_separate_ids(const std::vector<IndexedValue>& ids) const;
 
+    // Remembers the ids that the links have now, when those that were asked for are set. `link` is
+    // asked for each link twice.
+    void keep_ids(const std::function<Link(std::int32_t)>& link);
+
     // Takes back what was asked for a link.
     void leave(std::int32_t index) { at(index).new_path = kNoText; }
 
     std::size_t link_count() const { return links_.size(); }
-    LinkKind kind(std::int32_t index) const { return at(index).kind; }
+    LinkKind kind(std::int32_t index) const { return static_cast<LinkKind>(at(index).kind); }
     // In ANSI.
     const std::string& path(std::int32_t index) const { return texts_[at(index).path]; }
     // Nothing when nothing was asked. Cost: that of `map_path`.
     std::optional<std::string> new_path(std::int32_t index) const;
+    std::optional<std::uint64_t> id(std::int32_t index) const;
     // Uses of one object that change together although only some of them were named.
     const std::vector<std::vector<std::int32_t>>& joined() const { return joined_; }
     // Uses of different objects that the presentation keeps in one list, which takes a single path
@@ -66,6 +74,7 @@ class RelinkPlan {
 
     using TextNumber = std::uint32_t;
     static constexpr TextNumber kNoText = 0xFFFFFFFF;
+    static constexpr std::uint32_t kNoId = 0xFFFFFF;
     static constexpr TextNumber kMapped = 0x80000000; // in `new_path`: what the map makes of it
 
     struct Entry {
@@ -73,7 +82,8 @@ class RelinkPlan {
         std::uint32_t external_object_id = 0;
         TextNumber path = kNoText;
         TextNumber new_path = kNoText;
-        LinkKind kind = LinkKind::hyperlink;
+        std::uint32_t kind : 8 = 0;
+        std::uint32_t id : 24 = kNoId; // a position in `ids_`; there are fewer links than that
     };
 
     const Entry& at(std::int32_t index) const { return links_[static_cast<std::size_t>(index)]; }
@@ -93,6 +103,7 @@ class RelinkPlan {
     std::deque<std::string> texts_; // by number
     std::vector<Entry> links_;
     std::vector<PathMapEntry> maps_;
+    std::vector<std::uint64_t> ids_; // ascending
     std::vector<std::vector<std::int32_t>> joined_;
     std::vector<std::int32_t> inseparable_;
     std::vector<std::int32_t> not_known_whole_;
