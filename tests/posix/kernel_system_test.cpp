@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <initializer_list>
 #include <string>
 
 namespace {
@@ -75,12 +76,12 @@ TEST(GlobalMemory, TheMachineHasMemory) {
 }
 
 TEST(Messages, EveryCodeThatStatusCodesComeFromHasAText) {
-    for (const DWORD code :
-         {1,   2,   3,   4,   5,   6,   7,   8,   9,   10,  11,  12,   13,   14,
-          15,  16,  17,  18,  19,  20,  21,  22,  23,  24,  25,  26,   27,   28,
-          29,  30,  31,  32,  33,  34,  36,  38,  39,  53,  65,  67,   80,   82,
-          83,  87,  89,  108, 109, 110, 112, 114, 122, 123, 128, 129,  130,  131,
-          132, 145, 161, 164, 167, 183, 188, 195, 202, 206, 215, 1004, 1113, 1816}) {
+    for (const DWORD code : std::initializer_list<DWORD>{
+             1,   2,   3,   4,   5,   6,   7,   8,   9,   10,  11,  12,   13,   14,
+             15,  16,  17,  18,  19,  20,  21,  22,  23,  24,  25,  26,   27,   28,
+             29,  30,  31,  32,  33,  34,  36,  38,  39,  53,  65,  67,   80,   82,
+             83,  87,  89,  108, 109, 110, 112, 114, 122, 123, 128, 129,  130,  131,
+             132, 145, 161, 164, 167, 183, 188, 195, 202, 206, 215, 1004, 1113, 1816}) {
         EXPECT_NE(message(code), "") << code;
         EXPECT_EQ(message(0x80070000 + code), message(code)) << code;
     }
