@@ -34,12 +34,16 @@ FileIdentity identity_of(const std::string& native);
 bool is_writable(const std::string& native);
 
 // Creates an empty file that nobody else may read. The X at the end of `path` become the letters of
-// a name that was free.
+// a name that was free. There is one at a time. A process that is interrupted removes it, on
+// Windows it leaves it.
 std::error_code create_temporary_file(std::string& path);
 
 // Gives the temporary file the permissions of the file at `old` that it will replace, or, when
 // there is none, those of a new file. What replaces another is on the disk afterwards.
 std::error_code finish_temporary_file(const std::string& path, const std::string& old);
+
+// Gives the temporary file its name for good, in place of a file that has it.
+std::error_code rename_temporary_file(const std::string& path, const std::string& out);
 
 // Removes the temporary file as far as that can be done, also when it is a copy of a read-only one.
 void remove_temporary_file(const std::string& path);

@@ -101,9 +101,7 @@ void OutputFile::publish() {
     if (const std::error_code error = finish_temporary_file(temporary_.native, out_.native)) {
         fail("the copy could not be finished" + reason(error) + "; check the disk and try again");
     }
-    std::error_code error;
-    std::filesystem::rename(fs_path(temporary_.native), fs_path(out_.native), error);
-    if (error) {
+    if (const std::error_code error = rename_temporary_file(temporary_.native, out_.native)) {
         fail("the finished copy could not be given this name" + reason(error) +
              "; choose another name");
     }

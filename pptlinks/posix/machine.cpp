@@ -4,11 +4,13 @@
 
 #include "platform/posix/settings.h"
 #include "pptlinks/failure.h"
+#include "pptlinks/posix/interruption.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 
@@ -67,11 +69,13 @@ bool is_writable(const std::string& native) {
 }
 
 std::error_code create_temporary_file(std::string& path) {
+    const InterruptionPause pause;
     const int descriptor = ::mkstemp(path.data());
     if (descriptor < 0) {
         return last_error();
     }
     ::close(descriptor);
+    remove_when_interrupted(path);
     return {};
 }
 
@@ -90,8 +94,17 @@ std::error_code finish_temporary_file(const std::string& path, const std::string
     return error;
 }
 
+std::error_code rename_temporary_file(const std::string& path, const std::string& out) {
+    if (::rename(path.c_str(), out.c_str()) != 0) {
+        return last_error();
+    }
+    remove_nothing_when_interrupted();
+    return {};
+}
+
 void remove_temporary_file(const std::string& path) {
     ::unlink(path.c_str());
+    remove_nothing_when_interrupted();
 }
 
 } // namespace pptlinks

@@ -137,6 +137,14 @@ std::error_code finish_temporary_file(const std::string& path, const std::string
     return {};
 }
 
+std::error_code rename_temporary_file(const std::string& path, const std::string& out) {
+    if (MoveFileExW(wide_path(path).c_str(), wide_path(out).c_str(), MOVEFILE_REPLACE_EXISTING) ==
+        FALSE) {
+        return last_error();
+    }
+    return {};
+}
+
 void remove_temporary_file(const std::string& path) {
     const WideString wide = wide_path(path);
     SetFileAttributesW(wide.c_str(), FILE_ATTRIBUTE_NORMAL);

@@ -4,6 +4,9 @@
 #include "tests/faults/relink_fixture.h"
 #include "tests/faults/traced_relink.h"
 
+#include <array>
+#include <csignal>
+
 namespace fault {
 namespace {
 
@@ -54,6 +57,32 @@ TEST_P(KilledRelink, LeavesOutAsItWasOrWhole) {
     EXPECT_EQ(names_in_folder().size(), 2 + temporary_files());
     EXPECT_EQ(run_built(relink_to("out.ppt")).status, 0);
     EXPECT_EQ(content(path("out.ppt")) == whole_, true);
+}
+
+TEST_P(KilledRelink, LeavesNothingElseWhenItIsInterrupted) {
+    std::size_t before = 0;
+    std::size_t after = 0;
+    for (std::size_t number = 0;; ++number) {
+        SCOPED_TRACE("interrupted before change " + std::to_string(number));
+        put_old_file("out.ppt", GetParam());
+        TracedRelink relink(path(""), relink_to("out.ppt"));
+        if (!relink.run_to_change(number)) {
+            why_not_ = relink.why_not();
+            break;
+        }
+        relink.interrupt(std::array{SIGINT, SIGHUP, SIGTERM}[number % 3]);
+        EXPECT_EQ(relink.finish().status, -1);
+        const std::string left = content(path("out.ppt"));
+        const bool is_old = left == (GetParam() ? kOld : "");
+        ++(is_old ? before : after);
+        EXPECT_TRUE(is_old || left == whole_);
+        EXPECT_EQ(temporary_files(), 0U);
+    }
+    if (!why_not_.empty()) {
+        GTEST_SKIP() << why_not_;
+    }
+    EXPECT_GT(before, 15U);
+    EXPECT_GT(after, 0U);
 }
 
 // The presentation is loaded by then; a rename takes it away from under the relink.

@@ -90,8 +90,16 @@ std::string TracedRelink::why_not() const {
                : "";
 }
 
+void TracedRelink::interrupt(int number) const {
+    kill(program_.id(), number);
+}
+
 void TracedRelink::run_on() {
-    ptrace(PTRACE_CONT, program_.id(), nullptr, nullptr);
+    // A signal that came stands in the state of its stop; the process gets it.
+    const int stop = state_ >> 8;
+    const bool is_interruption = stop == SIGINT || stop == SIGHUP || stop == SIGTERM;
+    const std::intptr_t number = is_interruption ? stop : 0;
+    ptrace(PTRACE_CONT, program_.id(), nullptr, reinterpret_cast<void*>(number));
     state_ = program_.next_state();
 }
 

@@ -19,6 +19,9 @@ class TracedRelink {
     // before it. False when the program ends before.
     bool run_to_change(std::size_t number);
 
+    // Sends it SIGINT, SIGHUP or SIGTERM, which it gets when it runs on.
+    void interrupt(int number) const;
+
     // Lets it run to its end.
     pptlinks::RunResult finish();
 
