@@ -70,14 +70,12 @@ std::optional<std::uint64_t> id_number(const Link& link) {
 }
 
 RelinkPlan::RelinkPlan(std::int32_t count, const std::function<Link(std::int32_t)>& link) {
-    links_.reserve(static_cast<std::size_t>(count));
+    links_.resize(static_cast<std::size_t>(count));
+    objects_.reserve(links_.size());
     for (std::int32_t i = 0; i < count; ++i) {
         const Link asked = link(i);
-        Entry entry;
-        entry.object_list_ordinal = asked.object_list_ordinal;
-        entry.external_object_id = asked.external_object_id;
-        entry.kind = static_cast<std::uint8_t>(asked.kind);
-        links_.push_back(entry);
+        objects_.push_back({asked.object_list_ordinal, asked.external_object_id});
+        at(i).kind = static_cast<std::uint8_t>(asked.kind);
     }
     keep_paths(link);
 }
@@ -92,7 +90,7 @@ std::vector<std::int32_t> RelinkPlan::order_by(Key key) const {
     std::vector<std::int32_t> order(links_.size());
     std::iota(order.begin(), order.end(), 0);
     std::sort(order.begin(), order.end(), [&](std::int32_t a, std::int32_t b) {
-        return std::tuple(key(at(a)), a) < std::tuple(key(at(b)), b);
+        return std::tuple(key(object_of(a)), a) < std::tuple(key(object_of(b)), b);
     });
     return order;
 }
@@ -100,22 +98,23 @@ std::vector<std::int32_t> RelinkPlan::order_by(Key key) const {
 // A file holds the path of an object once, however often the object is used; that of a picture
 // stands where the picture is.
 void RelinkPlan::keep_paths(const std::function<Link(std::int32_t)>& link) {
-    const auto object = [](const Entry& entry) {
-        return std::pair(entry.object_list_ordinal, entry.external_object_id);
-    };
     const TextNumber lost = keep({});
-    const Entry* last = nullptr;
-    for (const std::int32_t index : order_by(object)) {
-        Entry& entry = at(index);
+    std::optional<std::int32_t> last;
+    for (const std::int32_t index : order_by([](const Object& object) { return object; })) {
         std::string path = link(index).path;
+        if (path.empty()) {
+            at(index).path = lost;
+            continue;
+        }
         const bool is_known =
-            last != nullptr && object(*last) == object(entry) && texts_[last->path] == path;
-        entry.path = path.empty() ? lost : is_known ? last->path : keep(std::move(path));
-        last = entry.path == lost ? last : &entry;
+            last && object_of(*last) == object_of(index) && this->path(*last) == path;
+        at(index).path = is_known ? at(*last).path : keep(std::move(path));
+        last = index;
     }
 }
 
 void RelinkPlan::keep_ids(const std::function<Link(std::int32_t)>& link) {
+    objects_ = std::vector<Object>();
     const auto count = static_cast<std::int32_t>(links_.size());
     std::set<std::uint64_t> known; // millions of links may share a few
     for (std::int32_t i = 0; i < count; ++i) {
@@ -146,20 +145,20 @@ std::optional<std::string> RelinkPlan::new_path(std::int32_t index) const {
 }
 
 bool RelinkPlan::change_together(std::int32_t a, std::int32_t b) const {
-    const std::int32_t ordinal = at(a).object_list_ordinal;
-    return ordinal >= 0 && ordinal == at(b).object_list_ordinal;
+    const std::int32_t ordinal = object_of(a).object_list_ordinal;
+    return ordinal >= 0 && ordinal == object_of(b).object_list_ordinal;
 }
 
 bool RelinkPlan::are_different_objects(Uses uses) const {
     return std::any_of(uses.begin(), uses.end(), [&](std::int32_t use) {
-        return at(use).external_object_id != at(uses.front()).external_object_id;
+        return object_of(use).external_object_id != object_of(uses.front()).external_object_id;
     });
 }
 
 void RelinkPlan::apply(const PathWishes& wishes) {
     maps_ = wishes.maps;
     const std::vector<std::int32_t> order =
-        order_by([](const Entry& entry) { return entry.object_list_ordinal; });
+        order_by([](const Object& object) { return object.object_list_ordinal; });
     for (std::size_t start = 0; start < order.size();) {
         std::size_t end = start + 1;
         while (end < order.size() && change_together(order[start], order[end])) {
@@ -173,17 +172,16 @@ void RelinkPlan::apply(const PathWishes& wishes) {
 
 void RelinkPlan::require_separate_ids(const std::vector<IndexedValue>& ids) const {
     std::map<std::int32_t, std::string_view> of_link;
-    std::map<std::pair<std::int32_t, std::uint32_t>, const IndexedValue*> of_object;
+    std::map<Object, const IndexedValue*> of_object;
     std::map<std::string_view, const IndexedValue*> by_id;
     for (const IndexedValue& wish : ids) {
-        const Entry& named = at(wish.index);
+        const Object& object = object_of(wish.index);
         const std::string_view id = digits_of(wish.value);
         if (of_link.try_emplace(wish.index, id).first->second != id) {
             throw UsageError("--set-id: link " + std::to_string(wish.index) +
                              " cannot get two different ids");
         }
-        if (named.object_list_ordinal >= 0) {
-            const std::pair object(named.object_list_ordinal, named.external_object_id);
+        if (object.object_list_ordinal >= 0) {
             const IndexedValue& other = *of_object.try_emplace(object, &wish).first->second;
             if (digits_of(other.value) != id) {
                 refuse_ids(other.index, wish.index, " are one object and cannot get different ids");

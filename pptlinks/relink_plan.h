@@ -1,13 +1,14 @@
 // Which link gets which path: the user's --set and --map applied to the links of a presentation.
 //
 // A use of an object takes 12 bytes of a file, and a path may be long: the plan keeps 20 bytes for
-// a link, the paths once for each object, each id once, and makes mapped paths when they are asked
-// for. It stays good when the presentation is unloaded.
+// a link until it is complete and 12 then, the paths once for each object, each id once, and makes
+// mapped paths when they are asked for. It stays good when the presentation is unloaded.
 #pragma once
 
 #include "pptlinks/arguments.h"
 #include "pptlinks/session.h"
 
+#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
@@ -47,7 +48,7 @@ class RelinkPlan {
     void require_separate_ids(const std::vector<IndexedValue>& ids) const;
 
     // Remembers the ids that the links have now, when those that were asked for are set. `link` is
-    // asked for each link twice.
+    // asked for each link twice. The plan is complete then: nothing more can be asked for.
     void keep_ids(const std::function<Link(std::int32_t)>& link);
 
     // Takes back what was asked for a link.
@@ -77,9 +78,14 @@ class RelinkPlan {
     static constexpr std::uint32_t kNoId = 0xFFFFFF;
     static constexpr TextNumber kMapped = 0x80000000; // in `new_path`: what the map makes of it
 
-    struct Entry {
+    struct Object {
         std::int32_t object_list_ordinal = -1;
         std::uint32_t external_object_id = 0;
+
+        auto operator<=>(const Object&) const = default;
+    };
+
+    struct Entry {
         TextNumber path = kNoText;
         TextNumber new_path = kNoText;
         std::uint32_t kind : 8 = 0;
@@ -88,9 +94,13 @@ class RelinkPlan {
 
     const Entry& at(std::int32_t index) const { return links_[static_cast<std::size_t>(index)]; }
     Entry& at(std::int32_t index) { return links_[static_cast<std::size_t>(index)]; }
+    // The object that the link uses.
+    const Object& object_of(std::int32_t index) const {
+        return objects_[static_cast<std::size_t>(index)];
+    }
     TextNumber keep(std::string text);
     void keep_paths(const std::function<Link(std::int32_t)>& link);
-    // The indexes of the links by what `key` gives for their entries, those of equal keys
+    // The indexes of the links by what `key` gives for their objects, those of equal keys
     // ascending.
     template <class Key>
     std::vector<std::int32_t> order_by(Key key) const;
@@ -102,6 +112,7 @@ class RelinkPlan {
 
     std::deque<std::string> texts_; // by number
     std::vector<Entry> links_;
+    std::vector<Object> objects_; // of the links; empty when the plan is complete
     std::vector<PathMapEntry> maps_;
     std::vector<std::uint64_t> ids_; // ascending
     std::vector<std::vector<std::int32_t>> joined_;
