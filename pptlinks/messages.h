@@ -18,6 +18,7 @@ namespace pptlinks {
 enum class Culprit { presentation, copy };
 
 // Stand for a status where a sentence is looked for, for what no status tells by itself.
+inline constexpr std::int32_t kIsDevice = -3; // or a pipe
 inline constexpr std::int32_t kIsFolder = -2;
 inline constexpr std::int32_t kNameNotUtf8 = -1;
 

@@ -20,6 +20,8 @@ constexpr const char* kFreeMemory = "close other programs and try again";
 constexpr const char* kCheckName = "check the name and try again";
 
 constexpr Message kMessages[] = {
+    {kIsDevice, Culprit::presentation, "this is a device or a pipe",
+     "copy the presentation into a file and name that"},
     {kIsFolder, Culprit::presentation, "this is a folder", "name the presentations in it"},
     {kNameNotUtf8, Culprit::copy, "its name or that of a folder above it is not valid UTF-8",
      "rename that and try again"},

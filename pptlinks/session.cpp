@@ -4,6 +4,7 @@
 #include "plugin/exports.h"
 #include "plugin/state.h"
 #include "plugin/status.h"
+#include "pptlinks/file_names.h"
 #include "pptlinks/machine.h"
 #include "pptlinks/messages.h"
 #include "pptlinks/number_parameter.h"
@@ -12,6 +13,7 @@
 #include "reader/record_types.h"
 
 #include <algorithm>
+#include <filesystem>
 
 namespace pptlinks {
 
@@ -135,9 +137,15 @@ id64 id_of(const std::string& text) {
     return id;
 }
 
-bool is_folder(const std::string& ansi_path) {
-    const DWORD attributes = GetFileAttributesA(ansi_path.c_str());
-    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+// What is there instead of a file that could be read, if that is why access is denied.
+std::optional<std::int32_t> no_plain_file(const std::string& ansi_path) {
+    std::error_code missing;
+    const std::filesystem::file_status found =
+        std::filesystem::status(fs_path(native_path(ansi_path)), missing);
+    if (!std::filesystem::exists(found) || std::filesystem::is_regular_file(found)) {
+        return std::nullopt;
+    }
+    return std::filesystem::is_directory(found) ? kIsFolder : kIsDevice;
 }
 
 bool is_folder_missing(const std::string& ansi_path) {
@@ -151,8 +159,8 @@ std::optional<std::int32_t> closer_status(std::int32_t status, const std::string
         StgIsStorageFile(wide_from_ansi(ansi_path).c_str()) == S_FALSE) {
         return ppt::status::kNotAPresentation;
     }
-    if (status == ppt::status::kAccessDenied && is_folder(ansi_path)) {
-        return kIsFolder;
+    if (status == ppt::status::kAccessDenied) {
+        return no_plain_file(ansi_path);
     }
     if (status == ppt::status::kDamaged && is_folder_missing(ansi_path)) {
         return ppt::status::kPathNotFound;

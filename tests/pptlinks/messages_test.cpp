@@ -27,10 +27,10 @@ bool is_sentence(const std::string& text, const std::string& file) {
 
 TEST(Messages, EveryStatusHasASentenceThatNamesItsFile) {
     constexpr std::int32_t kAll[] = {
-        kIsFolder, kNameNotUtf8, 3000, 5100, 5200, 5400, 5500, 5650, 5660, 5670, 5700,
-        6000,      6100,         6200, 6300, 6400, 6505, 7130, 7140, 7145, 7155, 7160,
-        7180,      7280,         7295, 7510, 7520, 7530, 7550, 7560, 7570, 7580, 7585,
-        7590,      8000,         8140, 8250, 8300, 8350, 8800, 8900, 9000};
+        kIsDevice, kIsFolder, kNameNotUtf8, 3000, 5100, 5200, 5400, 5500, 5650, 5660, 5670,
+        5700,      6000,      6100,         6200, 6300, 6400, 6505, 7130, 7140, 7145, 7155,
+        7160,      7180,      7280,         7295, 7510, 7520, 7530, 7550, 7560, 7570, 7580,
+        7585,      7590,      8000,         8140, 8250, 8300, 8350, 8800, 8900, 9000};
     ASSERT_EQ(message_table().size(), std::size(kAll));
     for (std::size_t i = 0; i < std::size(kAll); ++i) {
         const Message& row = message_table()[i];

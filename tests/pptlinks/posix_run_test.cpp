@@ -184,7 +184,9 @@ TEST_F(RelinkRun, ANameThatIsNotUtf8IsTold) {
 }
 
 TEST_F(RelinkRun, ADeviceIsNeitherReadNorReplaced) {
-    EXPECT_EQ(run({"list", "/dev/full"}).status, 1);
+    EXPECT_EQ(run({"list", "/dev/full"}).error,
+              "pptlinks: /dev/full: this is a device or a pipe; copy the presentation into a file "
+              "and name that (status 6100).\n");
     EXPECT_EQ(run({"list", "/dev"}).error,
               "pptlinks: /dev: this is a folder; name the presentations in it (status 6100).\n");
     expect_nothing_written(relink({}, "/dev/null"), 1, "/dev/null: this is not a plain file");
