@@ -23,6 +23,20 @@ bool is_range(const PptRecord& record) {
     return record.is(RT_TextInteractiveInfoAtom) && record.body.size() >= kRangeSize;
 }
 
+// Two places in the text that no link stands for.
+bool is_bookmark(const PptRecord& record) {
+    return record.is(RT_TextBookmarkAtom) && record.body.size() >= kRangeSize;
+}
+
+// Begins with the place of a character that stands for a page number, a date, a header or a footer.
+bool is_field(const PptRecord& record) {
+    const bool has_the_type =
+        record.is(RT_SlideNumberMetaCharAtom) || record.is(RT_DateTimeMetaCharAtom) ||
+        record.is(RT_GenericDateMetaCharAtom) || record.is(RT_HeaderMetaCharAtom) ||
+        record.is(RT_FooterMetaCharAtom) || record.is(RT_RtfDateTimeMetaCharAtom);
+    return has_the_type && record.body.size() >= 4;
+}
+
 } // namespace
 
 BoxText::BoxText(PptRecord& atom, std::uint32_t type)
@@ -40,6 +54,8 @@ void BoxText::add_follower(const PptRecord& record) {
     followers_.push_back(record.position);
     if (is_range(record)) {
         ranges_.push_back({record.u32_at(0), record.u32_at(4)});
+    } else if (is_field(record)) {
+        fields_.push_back(record.u32_at(0));
     }
 }
 
@@ -52,6 +68,7 @@ std::int32_t BoxText::write(const std::vector<const LinkRecord*>& links, bool is
             range_starts_.push_back(range.start);
         }
         std::sort(range_starts_.begin(), range_starts_.end());
+        std::sort(fields_.begin(), fields_.end());
         std::vector<Change> changes = changes_of(links, is_only_text);
         if (!changes.empty() && explains_runs(copy.loaded)) {
             change = replace(std::move(changes), links, copy);
@@ -94,6 +111,11 @@ void BoxText::write_followers(RewriteCopy& copy) const {
             bytes::store_u32(record.body, 0, range->start);
             bytes::store_u32(record.body, 4, range->end);
             ++range;
+        } else if (is_bookmark(record)) {
+            bytes::store_u32(record.body, 0, replacements_.moved_start(record.u32_at(0)));
+            bytes::store_u32(record.body, 4, replacements_.moved_end(record.u32_at(4)));
+        } else if (is_field(record)) {
+            bytes::store_u32(record.body, 0, replacements_.moved_start(record.u32_at(0)));
         } else if (b_holdsRuns(record) && !replacements_.all().empty()) {
             v_adjustTextRuns(record, length_, replacements_);
         }
@@ -147,7 +169,13 @@ bool BoxText::find_range(const LinkRecord& link, Change& change) {
     change.start = static_cast<std::uint32_t>(link.text_range_start);
     const std::uint32_t end = std::min(static_cast<std::uint32_t>(link.text_range_end), length_);
     change.end = end_of_words(end);
-    return change.start < change.end;
+    return change.start < change.end && !holds_a_field(change);
+}
+
+// Replaced, such a character would leave one of the new words to be filled in.
+bool BoxText::holds_a_field(const Change& change) const {
+    const auto field = std::lower_bound(fields_.begin(), fields_.end(), change.start);
+    return field != fields_.end() && *field < change.end;
 }
 
 // Where the paragraph marks in front of `end` begin. Many ranges may end in the same stretch of

@@ -56,6 +56,7 @@ class BoxText {
     std::uint32_t end_of_words(std::uint32_t end);
     std::vector<Change> changes_of(const std::vector<const LinkRecord*>& links, bool is_only_text);
     bool find_range(const LinkRecord& link, Change& change);
+    bool holds_a_field(const Change& change) const;
     Units words_of(const LinkRecord& link) const;
     bool explains_runs(PptPresentation& loaded) const;
     std::int32_t replace(std::vector<Change> changes, const std::vector<const LinkRecord*>& links,
@@ -72,6 +73,7 @@ class BoxText {
     std::vector<std::uint32_t> followers_;    // places in the loaded document stream
     std::vector<Range> ranges_;               // of those followers that are ranges, in their order
     std::vector<std::uint32_t> range_starts_; // ascending once the text is written
+    std::vector<std::uint32_t> fields_;       // the same; characters that the program fills in
     std::map<std::uint32_t, std::uint32_t> mark_stretches_; // start and end, as far as looked at
     TextReplacements replacements_;                         // none: the text stays as it is
 };

@@ -52,5 +52,6 @@ constexpr std::uint32_t kSmartTags = 0x0200;
 constinit const RunLayout kParagraphRun{2, kParagraphFields, 0};
 constinit const RunLayout kCharacterRun{0, kCharacterFields, 0};
 constinit const RunLayout kSpecialInfoRun{0, kSpecialInfoFields, kSmartTags};
+constinit const RunLayout kMasterTextRun{2, {}, 0}; // indent level
 
 } // namespace ppt

@@ -23,6 +23,9 @@ constexpr std::uint64_t kMostInRun = 0xFFFFFFFF;
 
 void skip_properties(bytes::Cursor& cursor, const RunLayout& layout) {
     cursor.skip(layout.size_before_mask);
+    if (layout.fields.empty()) {
+        return;
+    }
     const std::uint32_t mask = cursor.u32();
     for (const RunField& field : layout.fields) {
         if ((mask & field.bits) != 0) {
@@ -37,7 +40,7 @@ void skip_properties(bytes::Cursor& cursor, const RunLayout& layout) {
 
 // The runs that together reach behind the last character, or as many as there are.
 Runs read_runs(bytes::Cursor& cursor, const RunLayout& layout, std::uint32_t length) {
-    constexpr std::size_t kSmallestRun = 8; // count and mask
+    constexpr std::size_t kSmallestRun = 6; // count and indent level
     Runs runs;
     runs.reserve(cursor.remaining() / kSmallestRun);
     std::uint64_t end = 0;
@@ -58,7 +61,8 @@ std::optional<std::vector<Runs>> all_runs(const PptRecord& atom, std::uint32_t l
         passes.push_back(read_runs(cursor, kParagraphRun, length));
         passes.push_back(read_runs(cursor, kCharacterRun, length));
     } else {
-        passes.push_back(read_runs(cursor, kSpecialInfoRun, length));
+        const bool is_master = atom.is(RT_MasterTextPropAtom);
+        passes.push_back(read_runs(cursor, is_master ? kMasterTextRun : kSpecialInfoRun, length));
     }
     const bool explained = cursor.ok() && cursor.remaining() == 0;
     return explained ? std::optional(std::move(passes)) : std::nullopt;
@@ -96,7 +100,8 @@ void adjust(bytes::Bytes& body, const Runs& runs, std::span<const TextReplacemen
 } // namespace
 
 bool b_holdsRuns(const PptRecord& record) {
-    return record.is(RT_StyleTextPropAtom) || record.is(RT_TextSpecialInfoAtom);
+    return record.is(RT_StyleTextPropAtom) || record.is(RT_TextSpecialInfoAtom) ||
+           record.is(RT_MasterTextPropAtom);
 }
 
 bool b_explainsRuns(const PptRecord& atom, std::uint32_t length) {

@@ -1,6 +1,6 @@
 // The runs of a text: how many characters share the same properties ([MS-PPT] StyleTextPropAtom,
-// TextSpecialInfoAtom). Together they cover the text and the paragraph mark behind it that is not
-// stored.
+// TextSpecialInfoAtom, MasterTextPropAtom). Together they cover the text and the paragraph mark
+// behind it that is not stored.
 #pragma once
 
 #include "reader/record.h"
