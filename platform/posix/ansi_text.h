@@ -13,7 +13,7 @@ namespace platform {
 std::optional<std::string> ansi_to_utf8(std::string_view text);
 
 // The bytes as they are when the text is not UTF-8 or has characters that the code page lacks: a
-// path that begins with '/' is first tried just as it was given, so such a name still works.
+// path of this machine that nothing has in the code page's reading is tried as such bytes.
 std::string utf8_to_ansi(std::string_view text);
 
 } // namespace platform

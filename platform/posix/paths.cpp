@@ -66,23 +66,40 @@ std::string fail(DWORD error) {
     return {};
 }
 
-// A path of this machine that exists just as it was given, backslashes and all; nothing for one
-// that does not, and for a path of a drive or share.
-std::optional<std::string> existing_as_given(const std::string& path) {
-    std::string native;
-    if (path[0] == '/') {
-        native = path;
-    } else if (is_relative(path) && current_directory().root == FullPath::Root::machine) {
-        native = below(native_working_directory(), path);
+// The path of this machine, in the bytes of the file system, that the text names with its
+// backslashes and all; nothing for a path of a drive or share.
+std::optional<std::string> as_given(const std::string& text) {
+    if (text[0] == '/') {
+        return text;
     }
-    return !native.empty() && exists(native) ? std::optional(native) : std::nullopt;
+    const bool is_of_machine =
+        is_relative(text) && current_directory().root == FullPath::Root::machine;
+    return is_of_machine ? std::optional(below(native_working_directory(), text)) : std::nullopt;
+}
+
+// A path of this machine that exists just as it was given. Bytes of the file system that the code
+// page cannot name stand for themselves, as utf8_to_ansi gives them; but they may also spell other
+// characters of the code page, so nothing is written on their word.
+std::optional<std::string> existing_as_given(const std::string& path, bool is_to_write) {
+    const auto converted = ansi_to_utf8(path);
+    if (converted) {
+        const auto native = as_given(*converted);
+        if (!native || exists(*native)) {
+            return native;
+        }
+    }
+    if (converted == path || utf8_to_ansi(path) != path || (converted && is_to_write)) {
+        return std::nullopt;
+    }
+    const auto native = as_given(path);
+    return native && exists(*native) ? native : std::nullopt;
 }
 
 std::string native_path(const std::string& path, bool is_to_write) {
     if (path.empty()) {
         return fail(ERROR_PATH_NOT_FOUND);
     }
-    if (auto native = existing_as_given(path)) {
+    if (auto native = existing_as_given(path, is_to_write)) {
         return *native;
     }
     const FullPath full = full_path(path);

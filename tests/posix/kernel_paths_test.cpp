@@ -114,6 +114,21 @@ TEST_F(Paths, AnExistingFileOfThisMachineNamesItself) {
     EXPECT_EQ(to_native_path(at("\xE9.ppt")), at("\xE9.ppt"));
 }
 
+TEST_F(Paths, BytesOfAnotherNameAreNotThatName) {
+    ASSERT_TRUE(platform::set_ansi_code_page(1252));
+    const std::string umlaut = at("\xC3\xA4.ppt"); // U+00E4; the same bytes are two letters in 1252
+    const std::string two_letters = at("\xC3\x83\xC2\xA4.ppt");
+    make_file("\xC3\xA4.ppt");
+    EXPECT_EQ(to_native_path(at("\xE4.ppt")), umlaut);
+    EXPECT_EQ(to_native_path(at("\xC3\xA4.ppt")), two_letters);
+    EXPECT_EQ(platform::native_path_to_write(at("\xC3\xA4.ppt")), two_letters);
+    make_file("\xE6\x97\xA5.ppt"); // a name that 1252 lacks
+    EXPECT_EQ(to_native_path(at("\xE6\x97\xA5.ppt")), at("\xE6\x97\xA5.ppt"));
+    EXPECT_NE(platform::native_path_to_write(at("\xE6\x97\xA5.ppt")), at("\xE6\x97\xA5.ppt"));
+    make_file("\xE4.ppt"); // not UTF-8, and a file has the name that 1252 reads
+    EXPECT_EQ(to_native_path(at("\xE4.ppt")), umlaut);
+}
+
 TEST_F(Paths, NamesThatWindowsForbidsAreInvalidOnDrivesAndShares) {
     for (const char* path : {"Q:\\a<b", "Z:\\a?\\b", "Z:\\a|b", "\\\\srv\\pub\\*", "Z:\\a\"",
                              "Z:\\a\tb", "Z:\\http:\\host"}) {
