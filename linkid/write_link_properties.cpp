@@ -66,8 +66,8 @@ bool is_ascii(const WideString& text) {
     return std::all_of(text.begin(), text.end(), [](WCHAR unit) { return unit < 0x80; });
 }
 
-// What is written may take no more bytes than the system lets a stream have, nor than a larger one
-// has already. Counted is what is certain, so that nothing is refused that would fit.
+// What is added may take no more bytes than the system lets a usual stream have, nor than a larger
+// one has already. Counted is what every addition takes at least.
 class Room {
   public:
     explicit Room(std::uint64_t stream_size)

@@ -41,11 +41,12 @@ PPT_EXPORT std::int32_t PPT_CALL j_termDLL(std::int32_t reserved1, std::int32_t 
 PPT_EXPORT void PPT_CALL v_setNewMode();
 
 // Opens the presentation at `path` read-only and gathers, by the bits of `flags`, its links and
-// their ids (1) and its own id (2). After a status other than 0 nothing is loaded. With the letter
-// "k" an object, page or property set that cannot be read is left out; the error parameters of a
-// load that gives 0 then are the number of those left out and, for each of the first hundred, its
-// status, its kind and its number (unread_objects.h). Cost: one pass over the records of the
-// document stream.
+// their ids (1) and its own id (2). After a status other than 0 nothing is loaded; only when the
+// file could not be opened, what was loaded before is still there but can no longer be rewritten,
+// so unload it first. With the letter "k" an object, page or property set that cannot be read is
+// left out; the error parameters of a load that gives 0 then are the number of those left out and,
+// for each of the first hundred, its status, its kind and its number (unread_objects.h). Cost: one
+// pass over the records of the document stream.
 PPT_EXPORT std::int32_t PPT_CALL j_loadFile(const char* path, std::int32_t flags);
 
 // Forgets the loaded presentation. Always 0; needs no memory.

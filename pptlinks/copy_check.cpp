@@ -1,6 +1,8 @@
 #include "pptlinks/copy_check.h"
 
+#include "common_new/SafeFunc/paths.h"
 #include "plugin/failure.h"
+#include "plugin/status.h"
 
 #include <algorithm>
 
@@ -21,6 +23,13 @@ bool has_links_of(const LoadedPresentation& copy, const RelinkPlan& plan) {
     return true;
 }
 
+bool lies_in_machine(std::int32_t status) {
+    using namespace ppt::status;
+    return ppt::is_out_of_memory(status) || status == kTooManyOpenFiles ||
+           status == kDeviceNotReady || status == kInUseByOther || status == kFileInUse ||
+           status == kAccessDenied;
+}
+
 } // namespace
 
 CopyCheck::CopyCheck(const LoadedPresentation& presentation, const std::vector<IndexedValue>& asked)
@@ -31,27 +40,40 @@ CopyCheck::CopyCheck(const LoadedPresentation& presentation, const std::vector<I
     }
 }
 
-IdDifferences CopyCheck::compare_ids(const LoadedPresentation& copy, const RelinkPlan& plan,
-                                     const std::vector<std::int32_t>& not_written) const {
-    IdDifferences differences;
+void CopyCheck::compare_id(const Link& link, std::int32_t index,
+                           std::optional<std::uint64_t> wanted,
+                           CopyDifferences& differences) const {
+    const bool is_asked = asked_.contains(index);
+    const std::optional<std::uint64_t> id = id_number(link);
+    if (id == wanted || (!wanted && !is_asked)) {
+        return;
+    }
+    const bool is_lost = !id && wanted;
+    (is_lost    ? differences.id_lost
+     : is_asked ? differences.id_not_taken
+                : differences.id_changed)
+        .push_back(index);
+}
+
+CopyDifferences CopyCheck::compare(const LoadedPresentation& copy, const RelinkPlan& plan,
+                                   const std::vector<std::int32_t>& not_written) const {
+    CopyDifferences differences;
     for (std::int32_t i = 0; i < copy.link_count(); ++i) {
-        const std::optional<std::uint64_t> wanted = plan.id(i);
-        if ((!wanted && !asked_.contains(i)) ||
-            std::binary_search(not_written.begin(), not_written.end(), i)) {
+        if (std::binary_search(not_written.begin(), not_written.end(), i)) {
             continue;
         }
-        const std::optional<std::uint64_t> id = id_number(copy.link(i));
-        if (!id && wanted) {
-            differences.lost.push_back(i);
-        } else if (id != wanted) {
-            (asked_.contains(i) ? differences.not_taken : differences.changed).push_back(i);
+        const Link link = copy.link(i);
+        const std::optional<std::string> path = plan.new_path(i);
+        if (path && ppt::ascii_lower(*path) != ppt::ascii_lower(link.path)) {
+            differences.other_path.push_back(i);
         }
+        compare_id(link, i, plan.id(i), differences);
     }
-    differences.own = copy.target_file_id() != own_id_;
+    differences.own_id = copy.target_file_id() != own_id_;
     return differences;
 }
 
-std::optional<IdDifferences>
+std::optional<CopyDifferences>
 CopyCheck::differences(const Session& session, const std::string& ansi_copy, const RelinkPlan& plan,
                        const std::vector<std::int32_t>& not_written) const {
     try {
@@ -59,9 +81,10 @@ CopyCheck::differences(const Session& session, const std::string& ansi_copy, con
         if (copy.unread().count != unread_ || !has_links_of(copy, plan)) {
             return std::nullopt;
         }
-        return compare_ids(copy, plan, not_written);
-    } catch (const StatusFailure& failure) {
-        if (ppt::is_out_of_memory(failure.status)) {
+        return compare(copy, plan, not_written);
+    } catch (StatusFailure& failure) {
+        if (lies_in_machine(failure.status)) {
+            failure.while_rewriting = true;
             throw;
         }
         return std::nullopt;

@@ -13,14 +13,21 @@
 
 namespace pptlinks {
 
-// Where the ids of a copy are not those that it was to have. Links that had none, and that none was
-// asked for, may have one: document properties keep ids by path.
-struct IdDifferences {
+// Where a copy is not what it was to be. Links that had no id, and that none was asked for, may
+// have one: document properties keep ids by path.
+struct CopyDifferences {
     // Links, ascending.
-    std::vector<std::int32_t> lost;      // without an id
-    std::vector<std::int32_t> not_taken; // asked for, but there is another, or one instead of none
-    std::vector<std::int32_t> changed;   // with another id though nothing was asked for
-    bool own = false;                    // that of the presentation itself
+    std::vector<std::int32_t> other_path; // than the one that was written
+    std::vector<std::int32_t> id_lost;    // without an id
+    std::vector<std::int32_t>
+        id_not_taken;                     // asked for, but there is another, or one instead of none
+    std::vector<std::int32_t> id_changed; // though nothing was asked for
+    bool own_id = false;                  // that of the presentation itself
+
+    // What was asked for is there; an id may have changed besides.
+    bool is_as_asked() const {
+        return other_path.empty() && id_lost.empty() && id_not_taken.empty() && !own_id;
+    }
 };
 
 class CopyCheck {
@@ -30,15 +37,18 @@ class CopyCheck {
     CopyCheck(const LoadedPresentation& presentation, const std::vector<IndexedValue>& asked);
 
     // Nothing when the copy at the path cannot be loaded like the presentation or has not the links
-    // of the plan, which knows their ids. `not_written`, ascending: links of which the ids do not
-    // count. Throws StatusFailure when memory runs out. Cost: a load of the copy.
-    std::optional<IdDifferences> differences(const Session& session, const std::string& ansi_copy,
-                                             const RelinkPlan& plan,
-                                             const std::vector<std::int32_t>& not_written) const;
+    // of the plan, which knows their ids. `not_written`, ascending: links of which path and id do
+    // not count. Throws StatusFailure when the machine is to blame: out of memory or of files, or
+    // another process keeps the copy. Cost: a load of the copy.
+    std::optional<CopyDifferences> differences(const Session& session, const std::string& ansi_copy,
+                                               const RelinkPlan& plan,
+                                               const std::vector<std::int32_t>& not_written) const;
 
   private:
-    IdDifferences compare_ids(const LoadedPresentation& copy, const RelinkPlan& plan,
-                              const std::vector<std::int32_t>& not_written) const;
+    CopyDifferences compare(const LoadedPresentation& copy, const RelinkPlan& plan,
+                            const std::vector<std::int32_t>& not_written) const;
+    void compare_id(const Link& link, std::int32_t index, std::optional<std::uint64_t> wanted,
+                    CopyDifferences& differences) const;
 
     std::size_t unread_;
     std::set<std::int32_t> asked_;

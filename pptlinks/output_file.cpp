@@ -85,6 +85,13 @@ void OutputFile::look_at_old_file() const {
     }
 }
 
+bool OutputFile::is_beside(const FileName& file) const {
+    const auto folder = [](const std::string& native) {
+        return native_name(fs_path(native).parent_path());
+    };
+    return is_same_file(folder(native_path(file.ansi)), folder(out_.native));
+}
+
 const std::string& OutputFile::create() {
     std::string path = beside(out_, kTemporaryName).native;
     if (const std::error_code error = create_temporary_file(path)) {

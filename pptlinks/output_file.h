@@ -20,7 +20,11 @@ class OutputFile {
     // Removes the temporary file unless it was published.
     ~OutputFile();
 
-    // Creates the temporary file, empty, and gives its path for the plug-in.
+    // Whether the copy is made in the folder of that file.
+    bool is_beside(const FileName& file) const;
+
+    // Creates the temporary file, empty, and gives its path for the plug-in. Throws FileFailure,
+    // and StatusFailure when its name cannot be written in the code page.
     const std::string& create();
 
     // The path of the temporary file for the plug-in.

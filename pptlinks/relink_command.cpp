@@ -60,7 +60,7 @@ std::function<Link(std::int32_t)> links_of(const LoadedPresentation& presentatio
 RelinkPlan make_plan(const LoadedPresentation& presentation, const RelinkArguments& arguments) {
     RelinkPlan plan(presentation.link_count(), links_of(presentation));
     plan.apply(path_wishes(arguments));
-    plan.require_separate_ids(arguments.ids);
+    plan.require_separate_ids(arguments.ids, links_of(presentation));
     if (!plan.inseparable().empty()) {
         throw FileFailure(
             arguments.file,
@@ -108,9 +108,9 @@ std::vector<std::int32_t> rewrite(LoadedPresentation& presentation, const Source
 }
 
 // Throws FileFailure for a copy that nobody should get.
-IdDifferences read_back(const Session& session, const CopyCheck& check, const OutputFile& output,
-                        const RelinkPlan& plan, const Outcome& outcome, const std::string& file) {
-    std::optional<IdDifferences> differences =
+CopyDifferences read_back(const Session& session, const CopyCheck& check, const OutputFile& output,
+                          const RelinkPlan& plan, const Outcome& outcome, const std::string& file) {
+    std::optional<CopyDifferences> differences =
         check.differences(session, output.temporary(), plan, outcome.not_written);
     if (!differences) {
         throw FileFailure(file,
@@ -129,13 +129,16 @@ void complain_of(const RelinkPlan& plan, const Outcome& outcome, const std::stri
     for (const std::int32_t index : outcome.not_written) {
         complain(sentence(FileFailure(out, why_not_written(plan, index))));
     }
-    for (const std::int32_t index : outcome.ids.lost) {
-        complain(sentence(FileFailure(out, why_without_id(plan, index))));
+    for (const std::int32_t index : outcome.copy.other_path) {
+        complain(sentence(FileFailure(out, why_other_path(plan, index))));
     }
-    for (const std::int32_t index : outcome.ids.not_taken) {
+    for (const std::int32_t index : outcome.copy.id_lost) {
+        complain(sentence(FileFailure(out, why_without_id(plan, index, outcome.leaves_folder))));
+    }
+    for (const std::int32_t index : outcome.copy.id_not_taken) {
         complain(sentence(FileFailure(out, why_other_id(plan, index))));
     }
-    if (outcome.ids.own) {
+    if (outcome.copy.own_id) {
         complain(sentence(FileFailure(out, "its document properties did not take the id of the "
                                            "presentation")));
     }
@@ -166,13 +169,13 @@ int relink(const Session& session, const RelinkArguments& arguments) {
     plan.keep_ids(links_of(presentation));
     const CopyCheck check(presentation, arguments.ids);
     outcome.not_written = rewrite(presentation, watch, output);
-    outcome.ids = read_back(session, check, output, plan, outcome, arguments.file);
+    outcome.leaves_folder = !output.is_beside(source);
+    outcome.copy = read_back(session, check, output, plan, outcome, arguments.file);
     output.publish();
     complain_of(plan, outcome, arguments.out);
     print_report(arguments, plan, outcome);
     const bool all_done = plan.not_known_whole().empty() && outcome.not_written.empty() &&
-                          outcome.ids.lost.empty() && outcome.ids.not_taken.empty() &&
-                          !outcome.ids.own && outcome.unread.count == 0;
+                          outcome.copy.is_as_asked() && outcome.unread.count == 0;
     return all_done ? 0 : kExitFailed;
 }
 

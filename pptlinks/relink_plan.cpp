@@ -170,7 +170,8 @@ void RelinkPlan::apply(const PathWishes& wishes) {
     std::sort(not_known_whole_.begin(), not_known_whole_.end());
 }
 
-void RelinkPlan::require_separate_ids(const std::vector<IndexedValue>& ids) const {
+void RelinkPlan::require_separate_ids(const std::vector<IndexedValue>& ids,
+                                      const std::function<Link(std::int32_t)>& link) const {
     std::map<std::int32_t, std::string_view> of_link;
     std::map<Object, const IndexedValue*> of_object;
     std::map<std::string_view, const IndexedValue*> by_id;
@@ -194,13 +195,36 @@ void RelinkPlan::require_separate_ids(const std::vector<IndexedValue>& ids) cons
                        "path");
         }
     }
+    require_free_ids(ids, link);
+}
+
+// A link keeps its id unless one is asked for its path.
+void RelinkPlan::require_free_ids(const std::vector<IndexedValue>& ids,
+                                  const std::function<Link(std::int32_t)>& link) const {
+    std::map<std::string_view, std::int32_t> asked;
+    std::set<std::string> paths;
+    for (const IndexedValue& wish : ids) {
+        asked.try_emplace(digits_of(wish.value), wish.index);
+        paths.insert(final_path(wish.index));
+    }
+    asked.erase(std::string_view());
+    for (std::int32_t i = 0; !asked.empty() && i < static_cast<std::int32_t>(links_.size()); ++i) {
+        const std::optional<std::string> id = link(i).id;
+        const auto wish = id ? asked.find(digits_of(*id)) : asked.end();
+        if (wish != asked.end() && !paths.contains(final_path(i))) {
+            refuse_ids(wish->second, i,
+                       " have different paths, and the second has this id already: an id belongs "
+                       "to one path; give the second another one as well");
+        }
+    }
 }
 
 bool RelinkPlan::have_one_path(std::int32_t a, std::int32_t b) const {
-    const auto final_path = [this](std::int32_t index) {
-        return ppt::ascii_lower(new_path(index).value_or(path(index)));
-    };
     return final_path(a) == final_path(b);
+}
+
+std::string RelinkPlan::final_path(std::int32_t index) const {
+    return ppt::ascii_lower(new_path(index).value_or(path(index)));
 }
 
 void RelinkPlan::apply_to(Uses uses, const PathWishes& wishes) {

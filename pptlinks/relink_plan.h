@@ -43,12 +43,14 @@ class RelinkPlan {
     void apply(const PathWishes& wishes);
 
     // Throws UsageError when ids cannot be told apart or kept as asked: two for one link or for
-    // uses of one object, or one for links with different paths. Call it when `apply` is done.
-    // Every index is that of a link.
-    void require_separate_ids(const std::vector<IndexedValue>& ids) const;
+    // uses of one object, or one for links with different paths, of which one may have it already.
+    // Call it when `apply` is done. Every index is that of a link; `link` is asked for each.
+    void require_separate_ids(const std::vector<IndexedValue>& ids,
+                              const std::function<Link(std::int32_t)>& link) const;
 
     // Remembers the ids that the links have now, when those that were asked for are set. `link` is
-    // asked for each link twice. The plan is complete then: nothing more can be asked for.
+    // asked for each link twice. The plan is complete then: `apply` and `require_separate_ids` may
+    // not be called any more.
     void keep_ids(const std::function<Link(std::int32_t)>& link);
 
     // Takes back what was asked for a link.
@@ -107,6 +109,9 @@ class RelinkPlan {
     bool change_together(std::int32_t a, std::int32_t b) const;
     // When the plan is carried out; letter case does not tell paths apart.
     bool have_one_path(std::int32_t a, std::int32_t b) const;
+    std::string final_path(std::int32_t index) const;
+    void require_free_ids(const std::vector<IndexedValue>& ids,
+                          const std::function<Link(std::int32_t)>& link) const;
     bool are_different_objects(Uses uses) const;
     void apply_to(Uses uses, const PathWishes& wishes);
 

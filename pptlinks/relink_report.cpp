@@ -80,7 +80,7 @@ void Report::add_joined_links() {
 }
 
 void Report::add_changed_ids() {
-    for (const std::int32_t index : outcome_.ids.changed) {
+    for (const std::int32_t index : outcome_.copy.id_changed) {
         out_ += "link " + std::to_string(index) + " has another id now, that of its path\n";
         print_when_large(out_);
     }
@@ -92,7 +92,7 @@ std::size_t Report::count_of_ids_set() const {
         const auto is_in = [&wish](const std::vector<std::int32_t>& links) {
             return std::binary_search(links.begin(), links.end(), wish.index);
         };
-        return !is_in(outcome_.ids.lost) && !is_in(outcome_.ids.not_taken);
+        return !is_in(outcome_.copy.id_lost) && !is_in(outcome_.copy.id_not_taken);
     };
     return static_cast<std::size_t>(
         std::count_if(arguments_.ids.begin(), arguments_.ids.end(), was_set));
@@ -122,7 +122,7 @@ void Report::add_counts() {
     if (!arguments_.ids.empty()) {
         out_ += ", " + counted(count_of_ids_set(), "link id") + " set";
     }
-    if (arguments_.target_id && !outcome_.ids.own) {
+    if (arguments_.target_id && !outcome_.copy.own_id) {
         out_ += ", id of the presentation set";
     }
     out_ += summary_of(outcome_.unread) + '\n';
@@ -156,8 +156,17 @@ std::string why_not_mapped(const RelinkPlan& plan, std::int32_t index) {
            kOrChangeCodePage;
 }
 
-std::string why_without_id(const RelinkPlan& plan, std::int32_t index) {
-    return which_link(plan, index) + "has lost its id, which the document properties did not take";
+std::string why_other_path(const RelinkPlan& plan, std::int32_t index) {
+    return which_link(plan, index) +
+           "has another path in the copy than the one that was written; compare both with "
+           "'pptlinks list', and report this with the file";
+}
+
+std::string why_without_id(const RelinkPlan& plan, std::int32_t index, bool leaves_folder) {
+    return which_link(plan, index) +
+           (leaves_folder ? "has lost its id, which the document properties keep by its path as "
+                            "seen from the presentation's folder; write the copy into that folder"
+                          : "has lost its id, which the document properties did not take");
 }
 
 std::string why_other_id(const RelinkPlan& plan, std::int32_t index) {

@@ -18,7 +18,8 @@ struct Outcome {
     // hyperlinks of which only the displayed text stayed.
     std::vector<std::int32_t> not_written;
     Unread unread; // is in the copy as it was
-    IdDifferences ids;
+    CopyDifferences copy;
+    bool leaves_folder = false; // the copy goes into another one than the presentation's
 };
 
 // "links 0, 2 and 5"
@@ -28,10 +29,11 @@ std::string listed(const std::vector<std::int32_t>& indexes);
 // FileFailure when not all of it could be printed.
 void print_report(const RelinkArguments& arguments, const RelinkPlan& plan, const Outcome& outcome);
 
-// Which link was not mapped, not written or has not its id, why and what to do; in UTF-8, without a
-// full stop.
+// Which link was not mapped, not written or has not its path or id, why and what to do; in UTF-8,
+// without a full stop.
 std::string why_not_mapped(const RelinkPlan& plan, std::int32_t index);
-std::string why_without_id(const RelinkPlan& plan, std::int32_t index);
+std::string why_other_path(const RelinkPlan& plan, std::int32_t index);
+std::string why_without_id(const RelinkPlan& plan, std::int32_t index, bool leaves_folder);
 std::string why_other_id(const RelinkPlan& plan, std::int32_t index);
 std::string why_not_written(const RelinkPlan& plan, std::int32_t index);
 

@@ -207,6 +207,7 @@ LoadedPresentation::LoadedPresentation(const Session& session, const std::string
     if (session.keeps_going()) {
         unread_ = unread_from(split_parameters(error_parameter_text()));
     }
+    had_own_id_ = target_file_id().has_value();
 }
 
 LoadedPresentation::~LoadedPresentation() {
@@ -268,7 +269,10 @@ std::vector<std::int32_t> LoadedPresentation::rewrite(const std::string& ansi_pa
     const ErrorParameterMark mark;
     std::vector<char> path(ansi_path.begin(), ansi_path.end()); // changed in place by the call
     path.push_back('\0');
-    mark.require_success(j_rewriteFile(path.data(), kAllFlags), true);
+    // The flag for the presentation's own id makes a property, also for none.
+    const bool has_own_id = had_own_id_ || target_file_id();
+    const std::int32_t flags = has_own_id ? kAllFlags : ppt::kFlagLinks;
+    mark.require_success(j_rewriteFile(path.data(), flags), true);
     ErrorParameters parameters(error_parameter_text());
     std::vector<std::int32_t> not_written(number_from<std::uint32_t>(parameters.next()));
     for (std::int32_t& index : not_written) {

@@ -76,6 +76,7 @@ class LoadedPresentation {
 
   private:
     Unread unread_;
+    bool had_own_id_ = false;
 };
 
 // The full path of the file or folder that the path of a link, `ansi_target`, leads to as seen from

@@ -1,4 +1,5 @@
 // `pptlinks relink` as a user runs it: OUT is whole or not there, and the report says what changed.
+#include "pptlinks/copy_check.h"
 #include "tests/pptlinks/relink_run.h"
 #include "tests/support/ole_storage.h"
 
@@ -74,6 +75,61 @@ TEST_F(RelinkRun, IdsThatCannotBeKeptApartAreWrongUsage) {
         relink({"--set", "3=c:\\OLD\\a.doc", "--set-id", "0=5", "--set-id", "2=5", "--set-id",
                 "3=5", "--set-id", "1=0", "--set-id", "4=0"});
     EXPECT_EQ(result.status, 0) << "one path, and ids that are cleared: " << result.error;
+}
+
+TEST_F(RelinkRun, AnIdThatAnotherPathHasIsNotTakenFromIt) {
+    ASSERT_EQ(relink({"--set-id", "0=5", "--set-id", "1=6"}).status, 0);
+    const auto again = [this](std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), {"relink", "out.ppt", "-o", "again.ppt"});
+        return run(arguments);
+    };
+    const RunResult taken = again({"--set-id", "4=06"});
+    EXPECT_EQ(taken.status, 2);
+    EXPECT_NE(taken.error.find("links 4 and 1 have different paths"), std::string::npos)
+        << taken.error;
+    EXPECT_FALSE(std::filesystem::exists(path("again.ppt")));
+    EXPECT_EQ(again({"--set-id", "1=5", "--set-id", "0=6"}).status, 0) << "they change places";
+    EXPECT_EQ(listing("again.ppt")["links"][2]["id"], "6");
+    EXPECT_EQ(again({"--set-id", "4=6", "--set", "4=C:\\old\\FILM.avi"}).status, 0) << "one path";
+}
+
+TEST_F(RelinkRun, IdsAreKeptAsSeenFromTheFolder) {
+    const std::string here = path("film.avi");
+    ASSERT_EQ(relink({"--set", "1=" + here, "--set-id", "1=6"}).status, 0);
+    std::filesystem::create_directory(path("other"));
+    const RunResult moved = run({"relink", "out.ppt", "-o", "other/out.ppt"});
+    EXPECT_EQ(moved.status, 1);
+    EXPECT_NE(moved.error.find("link 1 (movie " + here + ") has lost its id"), std::string::npos);
+    EXPECT_NE(moved.error.find("; write the copy into that folder.\n"), std::string::npos)
+        << moved.error;
+}
+
+TEST_F(RelinkRun, APresentationWithoutAnIdGetsNone) {
+    ASSERT_EQ(relink({"--map", "C:=D:"}).status, 0);
+    const Bytes wide = utf16(u"MORVANE");
+    EXPECT_EQ(content(path("out.ppt")).find("MORVANE"), std::string::npos);
+    EXPECT_EQ(content(path("out.ppt")).find(std::string(wide.begin(), wide.end())),
+              std::string::npos);
+    ASSERT_EQ(relink({"--target-id", "7"}, "own.ppt").status, 0);
+    ASSERT_EQ(run({"relink", "own.ppt", "-o", "cleared.ppt", "--target-id", "0"}).status, 0);
+    EXPECT_TRUE(listing("cleared.ppt")["target_file_id"].is_null());
+}
+
+TEST_F(RelinkRun, TheCopyIsHeldAgainstThePlan) {
+    const Session session{CommonArguments()};
+    LoadedPresentation presentation(session, path("in.ppt"));
+    RelinkPlan plan(5, [&](std::int32_t index) { return presentation.link(index); });
+    plan.apply({{{1, "D:\\a"}, {4, "c:\\PICTURES\\map.wmf"}}, {}});
+    const CopyCheck check(presentation, {});
+    const auto found = check.differences(session, path("in.ppt"), plan, {});
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->other_path, std::vector<std::int32_t>{1});
+    EXPECT_FALSE(found->is_as_asked());
+    EXPECT_TRUE(check.differences(session, path("in.ppt"), plan, {1})->is_as_asked());
+    Deck other;
+    other.add_slide();
+    other.write(path("other.ppt"));
+    EXPECT_FALSE(check.differences(session, path("other.ppt"), plan, {}));
 }
 
 TEST_F(RelinkRun, PicturesAndDisplayedTextsChangeToo) {
