@@ -32,7 +32,11 @@ Deck texts() {
     const TextRun runs[] = {first, second};
     const TextRun paragraph[] = {{34, 0x1000, Bytes(2)}};
     Text styled(u"see C:\\docs\\report.doc for details");
-    styled.style(text_style(paragraph, runs)).link(doc, 4, 22);
+    styled.style(text_style(paragraph, runs))
+        .link(doc, 4, 22)
+        .record(master_text({34}))
+        .record(text_field(record_type::kSlideNumberAtom, 30))
+        .record(text_bookmark(4, 22));
     deck.add_slide()
         .shape(Shape().text(styled))
         .shape(Shape().text(Text(u"see C:\\docs\\report.doc, C:\\docs\\report.doc")

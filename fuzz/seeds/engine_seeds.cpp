@@ -65,6 +65,7 @@ void add_text_seeds(const Seeds& seeds) {
     // The kind, the length, two replacements of gap, old size and new size.
     seeds.add("text_runs", "style", with_head({0, 10, 0, 2, 1, 2, 5, 2, 3, 1}, body(style)));
     seeds.add("text_runs", "special", with_head({1, 10, 0, 1, 3, 4, 2}, body(info)));
+    seeds.add("text_runs", "master", with_head({2, 10, 0, 1, 3, 4, 2}, body(master_text({4, 7}))));
 }
 
 void add_path_seeds(const Seeds& seeds) {

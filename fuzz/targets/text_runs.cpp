@@ -7,6 +7,7 @@
 #include "rewriter/text_replacement.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -41,8 +42,9 @@ ppt::TextReplacements replacements(bytes::Cursor& input, std::uint32_t length,
 void fuzz::test_one(bytes::View data) {
     bytes::Cursor input(data);
     ppt::PptRecord atom(nullptr);
-    atom.header.type =
-        input.u8() % 2 == 0 ? ppt::RT_StyleTextPropAtom : ppt::RT_TextSpecialInfoAtom;
+    constexpr std::uint16_t kKinds[] = {ppt::RT_StyleTextPropAtom, ppt::RT_TextSpecialInfoAtom,
+                                        ppt::RT_MasterTextPropAtom};
+    atom.header.type = kKinds[input.u8() % std::size(kKinds)];
     const std::uint32_t length = input.u16();
     std::uint32_t new_length = 0;
     const ppt::TextReplacements stretches = replacements(input, length, new_length);

@@ -181,44 +181,20 @@ TEST_F(ClientTextTest, LinkWithoutWordsOfItsOwnGetsNone) {
     }
 }
 
-// The place of a character that the program fills in, with what some kinds have behind it.
-Bytes field(std::uint16_t type, std::uint32_t place, std::size_t more = 0) {
-    Bytes body(4 + more, 0xEE);
-    bytes::store_u32(body, 0, place);
-    return atom(0, type, body);
-}
-
-Bytes bookmark(std::uint32_t begin, std::uint32_t end) {
-    Bytes body(12, 1);
-    bytes::store_u32(body, 0, begin);
-    bytes::store_u32(body, 4, end);
-    return atom(0, record_type::kTextBookmarkAtom, body);
-}
-
-Bytes master_runs(std::initializer_list<std::uint32_t> counts) {
-    Bytes body;
-    for (const std::uint32_t count : counts) {
-        const std::size_t end = body.size();
-        body.resize(end + 6, 0);
-        bytes::store_u32(body, end, count);
-    }
-    return atom(0, record_type::kMasterTextAtom, body);
-}
-
 TEST_F(ClientTextTest, FieldsBookmarksAndMasterRunsFollowTheirCharacters) {
     const auto deck = [](const std::u16string& target) {
         const auto end = static_cast<std::uint32_t>(2 + target.size());
         Text text(u"* " + target + u" * of 9");
-        text.link(1, 2, end).record(master_runs({end + 1, 7}));
-        text.record(field(record_type::kFooterAtom, 0));
+        text.link(1, 2, end).record(master_text({end + 1, 7}));
+        text.record(text_field(record_type::kFooterAtom, 0));
         for (const std::uint16_t type : {record_type::kSlideNumberAtom, record_type::kDateTimeAtom,
                                          record_type::kGenericDateAtom, record_type::kHeaderAtom}) {
-            text.record(field(type, end + 1));
+            text.record(text_field(type, end + 1));
         }
-        text.record(field(record_type::kRtfDateTimeAtom, end + 1, 128))
-            .record(bookmark(0, 1))
-            .record(bookmark(2, end))
-            .record(bookmark(end + 3, end + 5));
+        text.record(text_field(record_type::kRtfDateTimeAtom, end + 1, 128))
+            .record(text_bookmark(0, 1))
+            .record(text_bookmark(2, end))
+            .record(text_bookmark(end + 3, end + 5));
         return deck_of({target}, text);
     };
     Deck before = deck(u"C:\\a.doc");
@@ -236,7 +212,7 @@ TEST_F(ClientTextTest, LinkOverAFieldKeepsItsWordsAndIsReported) {
         return deck_of(targets, Text(u"slide * " + second)
                                     .link(1, 0, 7)
                                     .link(2, 8, end)
-                                    .record(field(record_type::kSlideNumberAtom, 6)));
+                                    .record(text_field(record_type::kSlideNumberAtom, 6)));
     };
     Deck before = deck({u"C:\\a.doc", u"C:\\b.doc"}, u"C:\\b.doc");
     Deck after = deck({u"D:\\a.doc", u"D:\\longer.doc"}, u"D:\\longer.doc");

@@ -186,6 +186,26 @@ Bytes text_special_info(std::span<const TextRun> runs) {
     return atom(0, kTextSpecialInfoAtom, body);
 }
 
+Bytes master_text(std::initializer_list<std::uint32_t> counts) {
+    Bytes body;
+    for (const std::uint32_t count : counts) {
+        bytes::append_u32(body, count);
+        bytes::append_u16(body, 0);
+    }
+    return atom(0, kMasterTextAtom, body);
+}
+
+Bytes text_field(std::uint16_t type, std::uint32_t place, std::size_t more) {
+    Bytes body = words({place});
+    body.resize(body.size() + more, 0xEE);
+    return atom(0, type, body);
+}
+
+Bytes text_bookmark(std::uint32_t begin, std::uint32_t end) {
+    constexpr std::uint32_t kBookmarkId = 1;
+    return atom(0, kTextBookmarkAtom, words({begin, end, kBookmarkId}));
+}
+
 Bytes external_object_ref(std::uint32_t object_id) {
     return atom(0, kExternalObjectRefAtom, words({object_id}));
 }

@@ -95,6 +95,13 @@ Bytes text_style(std::span<const TextRun> paragraphs, std::span<const TextRun> c
 Bytes text_style(std::uint32_t length);
 // TextSpecialInfoAtom.
 Bytes text_special_info(std::span<const TextRun> runs);
+// MasterTextPropAtom; runs of these lengths, of level 0.
+Bytes master_text(std::initializer_list<std::uint32_t> counts);
+// The record of a character that is filled in, such as SlideNumberMCAtom: where it stands, and
+// `more` bytes that some types have behind it.
+Bytes text_field(std::uint16_t type, std::uint32_t place, std::size_t more = 0);
+// TextBookmarkAtom: the characters from `begin` up to `end`.
+Bytes text_bookmark(std::uint32_t begin, std::uint32_t end);
 
 Bytes external_object_ref(std::uint32_t object_id);
 
