@@ -235,12 +235,14 @@ class PropertyWriter {
             return;
         }
         if (id_changed && !from_document && link.property_id > 0) {
-            if (b_id64IsClear(&link.link_id) != 0) {
-                delete_property(link.property_id);
-                return;
-            }
             // Several uses of a link share their property, which may be gone by now.
             const bool has_property = !deleted_.contains(link.property_id);
+            if (b_id64IsClear(&link.link_id) != 0) {
+                if (has_property) {
+                    delete_property(link.property_id);
+                }
+                return;
+            }
             if (has_property) {
                 rename_property(link);
             }

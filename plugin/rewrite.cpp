@@ -12,6 +12,7 @@
 #include "plugin/status.h"
 #include "plugin/trace_log.h"
 #include "reader/presentation.h"
+#include "reader/record_types.h"
 #include "rewriter/rewrite_driver.h"
 
 #include <algorithm>
@@ -52,6 +53,16 @@ std::int32_t write_properties(IStorage* root, std::int32_t flags) {
     return status::kSuccess;
 }
 
+// Pictures and objects that were not written keep their paths, and by these their ids.
+void take_back_unwritten_paths() {
+    for (const std::uint32_t index : state().links_not_written) {
+        LinkRecord& link = state().links.links()[index];
+        if (link.record_type != RT_ExternalHyperlink) {
+            link.file_name = link.initial_file_name;
+        }
+    }
+}
+
 std::int32_t rewrite_copy(ComPtr<IStorage> root, std::int32_t flags) {
     PptPresentation copy(std::move(root));
     ComPtr<IStream> stream;
@@ -79,6 +90,7 @@ std::int32_t rewrite_copy(ComPtr<IStorage> root, std::int32_t flags) {
     if (status != status::kSuccess) {
         return status;
     }
+    take_back_unwritten_paths();
     status = write_properties(copy.root(), flags);
     v_logLine("LinkIds have been reset");
     if (status != status::kSuccess) {

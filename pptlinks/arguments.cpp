@@ -53,8 +53,8 @@ const std::string kRelinkExamples = std::string(R"(Examples:
   pptlinks relink talk.ppt -o new.ppt --map 'http://old.example=http://new.example' --options e
 )") + kTrustTargets + R"(
 With the letter h in --options the text of a changed hyperlink becomes its new path, with e only
-where the text was the old path. This goes for text boxes and the titles of title slides; all other
-texts stay. What could not be read is in the copy as it was.
+where the text was the old path. This goes for text boxes; titles and bodies as a rule keep their
+words. What could not be read is in the copy as it was.
 Exit status: 0 all well, 1 no copy was written or not every link could be read and changed in it,
 2 wrong usage.)";
 

@@ -59,11 +59,11 @@ CopyDifferences CopyCheck::compare(const LoadedPresentation& copy, const RelinkP
                                    const std::vector<std::int32_t>& not_written) const {
     CopyDifferences differences;
     for (std::int32_t i = 0; i < copy.link_count(); ++i) {
-        if (std::binary_search(not_written.begin(), not_written.end(), i)) {
-            continue;
-        }
         const Link link = copy.link(i);
-        const std::optional<std::string> path = plan.new_path(i);
+        // Of a hyperlink that was not written only the displayed text stayed.
+        const bool has_new_path = link.kind == LinkKind::hyperlink ||
+                                  !std::binary_search(not_written.begin(), not_written.end(), i);
+        const std::optional<std::string> path = has_new_path ? plan.new_path(i) : std::nullopt;
         if (path && ppt::ascii_lower(*path) != ppt::ascii_lower(link.path)) {
             differences.other_path.push_back(i);
         }

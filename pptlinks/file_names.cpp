@@ -82,6 +82,10 @@ FileName beside(const FileName& file, const std::string& name) {
     return other;
 }
 
+std::string folder_as_named(const FileName& file) {
+    return folder_of(file.is_windows_path ? file.typed : file.native);
+}
+
 bool is_same_file(const std::string& a, const std::string& b) {
     std::error_code missing;
     return std::filesystem::equivalent(fs_path(a), fs_path(b), missing);

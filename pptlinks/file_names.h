@@ -33,6 +33,10 @@ FileName file_name(const std::string& typed);
 // Another file in the same folder; `name` is ASCII.
 FileName beside(const FileName& file, const std::string& name);
 
+// The folder in which the plug-in is told that the file lies, in UTF-8: a folder that is named in
+// two ways has two such texts.
+std::string folder_as_named(const FileName& file);
+
 // Whether both are there and are one file, whatever their names; native names.
 bool is_same_file(const std::string& a, const std::string& b);
 

@@ -1,5 +1,6 @@
 #include "pptlinks/output_file.h"
 
+#include "common_new/SafeFunc/paths.h"
 #include "pptlinks/failure.h"
 #include "pptlinks/machine.h"
 
@@ -86,10 +87,7 @@ void OutputFile::look_at_old_file() const {
 }
 
 bool OutputFile::is_beside(const FileName& file) const {
-    const auto folder = [](const std::string& native) {
-        return native_name(fs_path(native).parent_path());
-    };
-    return is_same_file(folder(native_path(file.ansi)), folder(out_.native));
+    return ppt::ascii_lower(folder_as_named(file)) == ppt::ascii_lower(folder_as_named(out_));
 }
 
 const std::string& OutputFile::create() {

@@ -20,7 +20,7 @@ class OutputFile {
     // Removes the temporary file unless it was published.
     ~OutputFile();
 
-    // Whether the copy is made in the folder of that file.
+    // Whether the copy is made in the folder of that file, by the name that is given for it.
     bool is_beside(const FileName& file) const;
 
     // Creates the temporary file, empty, and gives its path for the plug-in. Throws FileFailure,

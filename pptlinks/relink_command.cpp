@@ -84,10 +84,11 @@ std::size_t apply_paths(LoadedPresentation& presentation, RelinkPlan& plan) {
     return same;
 }
 
-void apply_ids(LoadedPresentation& presentation, const RelinkArguments& arguments) {
-    for (const IndexedValue& wish : arguments.ids) {
-        presentation.set_id(wish.index, wish.value);
-    }
+void apply_ids(LoadedPresentation& presentation, const RelinkPlan& plan,
+               const RelinkArguments& arguments) {
+    plan.for_each_id(arguments.ids, [&](std::int32_t index, const std::string& id) {
+        presentation.set_id(index, id);
+    });
     if (arguments.target_id) {
         presentation.set_target_file_id(*arguments.target_id);
     }
@@ -165,7 +166,7 @@ int relink(const Session& session, const RelinkArguments& arguments) {
     Outcome outcome;
     outcome.same = apply_paths(presentation, plan);
     outcome.unread = presentation.unread();
-    apply_ids(presentation, arguments);
+    apply_ids(presentation, plan, arguments);
     plan.keep_ids(links_of(presentation));
     const CopyCheck check(presentation, arguments.ids);
     outcome.not_written = rewrite(presentation, watch, output);

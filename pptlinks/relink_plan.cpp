@@ -113,6 +113,25 @@ void RelinkPlan::keep_paths(const std::function<Link(std::int32_t)>& link) {
     }
 }
 
+void RelinkPlan::for_each_id(
+    const std::vector<IndexedValue>& ids,
+    const std::function<void(std::int32_t, const std::string&)>& set) const {
+    std::map<Object, const IndexedValue*> of_object;
+    for (const IndexedValue& wish : ids) {
+        set(wish.index, wish.value);
+        if (object_of(wish.index).object_list_ordinal >= 0) {
+            of_object[object_of(wish.index)] = &wish;
+        }
+    }
+    const auto count = static_cast<std::int32_t>(links_.size());
+    for (std::int32_t i = 0; !of_object.empty() && i < count; ++i) {
+        const auto wish = of_object.find(object_of(i));
+        if (wish != of_object.end() && wish->second->index != i) {
+            set(i, wish->second->value);
+        }
+    }
+}
+
 void RelinkPlan::keep_ids(const std::function<Link(std::int32_t)>& link) {
     objects_ = std::vector<Object>();
     const auto count = static_cast<std::int32_t>(links_.size());
@@ -198,16 +217,18 @@ void RelinkPlan::require_separate_ids(const std::vector<IndexedValue>& ids,
     require_free_ids(ids, link);
 }
 
-// A link keeps its id unless one is asked for its path.
+// A link keeps its id unless one is asked for its path. Those that share one already may keep it.
 void RelinkPlan::require_free_ids(const std::vector<IndexedValue>& ids,
                                   const std::function<Link(std::int32_t)>& link) const {
     std::map<std::string_view, std::int32_t> asked;
     std::set<std::string> paths;
     for (const IndexedValue& wish : ids) {
-        asked.try_emplace(digits_of(wish.value), wish.index);
+        const std::string_view id = digits_of(wish.value);
+        if (!id.empty() && id != digits_of(link(wish.index).id.value_or(""))) {
+            asked.try_emplace(id, wish.index);
+        }
         paths.insert(final_path(wish.index));
     }
-    asked.erase(std::string_view());
     for (std::int32_t i = 0; !asked.empty() && i < static_cast<std::int32_t>(links_.size()); ++i) {
         const std::optional<std::string> id = link(i).id;
         const auto wish = id ? asked.find(digits_of(*id)) : asked.end();

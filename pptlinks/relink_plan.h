@@ -43,10 +43,16 @@ class RelinkPlan {
     void apply(const PathWishes& wishes);
 
     // Throws UsageError when ids cannot be told apart or kept as asked: two for one link or for
-    // uses of one object, or one for links with different paths, of which one may have it already.
+    // uses of one object, or one for links with different paths, of which one may have it already
+    // while the other is to get it.
     // Call it when `apply` is done. Every index is that of a link; `link` is asked for each.
     void require_separate_ids(const std::vector<IndexedValue>& ids,
                               const std::function<Link(std::int32_t)>& link) const;
+
+    // Calls `set` for every link that is to get one of `ids`: those named and the other uses of
+    // their objects.
+    void for_each_id(const std::vector<IndexedValue>& ids,
+                     const std::function<void(std::int32_t, const std::string&)>& set) const;
 
     // Remembers the ids that the links have now, when those that were asked for are set. `link` is
     // asked for each link twice. The plan is complete then: `apply` and `require_separate_ids` may

@@ -165,7 +165,8 @@ std::string why_other_path(const RelinkPlan& plan, std::int32_t index) {
 std::string why_without_id(const RelinkPlan& plan, std::int32_t index, bool leaves_folder) {
     return which_link(plan, index) +
            (leaves_folder ? "has lost its id, which the document properties keep by its path as "
-                            "seen from the presentation's folder; write the copy into that folder"
+                            "seen from the presentation's folder; write the copy into that folder, "
+                            "named as the presentation's is"
                           : "has lost its id, which the document properties did not take");
 }
 

@@ -19,7 +19,7 @@ struct Outcome {
     std::vector<std::int32_t> not_written;
     Unread unread; // is in the copy as it was
     CopyDifferences copy;
-    bool leaves_folder = false; // the copy goes into another one than the presentation's
+    bool leaves_folder = false; // the copy goes into another one than the presentation's, by name
 };
 
 // "links 0, 2 and 5"

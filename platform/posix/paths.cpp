@@ -79,7 +79,7 @@ std::optional<std::string> as_given(const std::string& text) {
 
 // A path of this machine that exists just as it was given. Bytes of the file system that the code
 // page cannot name stand for themselves, as utf8_to_ansi gives them; but they may also spell other
-// characters of the code page, so nothing is written on their word.
+// characters of the code page, so they are only read.
 std::optional<std::string> existing_as_given(const std::string& path, bool is_to_write) {
     const auto converted = ansi_to_utf8(path);
     if (converted) {
@@ -88,7 +88,7 @@ std::optional<std::string> existing_as_given(const std::string& path, bool is_to
             return native;
         }
     }
-    if (converted == path || utf8_to_ansi(path) != path || (converted && is_to_write)) {
+    if (is_to_write || converted == path || utf8_to_ansi(path) != path) {
         return std::nullopt;
     }
     const auto native = as_given(path);

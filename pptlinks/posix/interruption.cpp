@@ -8,7 +8,7 @@ namespace pptlinks {
 
 namespace {
 
-constexpr int kEndingSignals[] = {SIGHUP, SIGINT, SIGPIPE, SIGTERM};
+constexpr int kEndingSignals[] = {SIGHUP, SIGINT, SIGPIPE, SIGQUIT, SIGTERM, SIGXCPU};
 
 // Changed in a pause only, so that the handler never sees half a path.
 char removed_path[PATH_MAX];

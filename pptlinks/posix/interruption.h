@@ -6,8 +6,8 @@
 
 namespace pptlinks {
 
-// Holds back the signals that end a process, from a terminal or from another process, as long as it
-// lives. Those that came meanwhile arrive when it goes.
+// Holds back the signals that usually end a process (SIGHUP, SIGINT, SIGPIPE, SIGQUIT, SIGTERM,
+// SIGXCPU) as long as it lives. Those that came meanwhile arrive when it goes.
 class InterruptionPause {
   public:
     InterruptionPause();
