@@ -17,12 +17,11 @@ namespace pptlinks {
 // have one: document properties keep ids by path.
 struct CopyDifferences {
     // Links, ascending.
-    std::vector<std::int32_t> other_path; // than the one that was written
-    std::vector<std::int32_t> id_lost;    // without an id
-    std::vector<std::int32_t>
-        id_not_taken;                     // asked for, but there is another, or one instead of none
-    std::vector<std::int32_t> id_changed; // though nothing was asked for
-    bool own_id = false;                  // that of the presentation itself
+    std::vector<std::int32_t> other_path;   // than the one that was written
+    std::vector<std::int32_t> id_lost;      // without an id
+    std::vector<std::int32_t> id_not_taken; // another than was asked for, or one instead of none
+    std::vector<std::int32_t> id_changed;   // though nothing was asked for
+    bool own_id = false;                    // that of the presentation itself
 
     // What was asked for is there; an id may have changed besides.
     bool is_as_asked() const {

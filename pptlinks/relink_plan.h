@@ -44,8 +44,8 @@ class RelinkPlan {
 
     // Throws UsageError when ids cannot be told apart or kept as asked: two for one link or for
     // uses of one object, or one for links with different paths, of which one may have it already
-    // while the other is to get it.
-    // Call it when `apply` is done. Every index is that of a link; `link` is asked for each.
+    // while the other is to get it. Call it when `apply` is done. Every index is that of a link;
+    // `link` is asked for each.
     void require_separate_ids(const std::vector<IndexedValue>& ids,
                               const std::function<Link(std::int32_t)>& link) const;
 
