@@ -73,14 +73,14 @@ class Room {
     explicit Room(std::uint64_t stream_size)
         : allowed_(std::max(kUsualLimit, stream_size)) {}
 
-    // Whether there was room for so many bytes and for all before them.
-    bool take(std::uint64_t bytes) {
+    // Throws 8140 when there is no room for so many bytes.
+    void take(std::uint64_t bytes) {
         taken_ += bytes;
-        return !is_exceeded();
+        if (taken_ > allowed_) {
+            throw static_cast<int>(status::kDamaged);
+        }
     }
 
-    bool is_exceeded() const { return taken_ > allowed_; }
-    std::uint64_t taken() const { return taken_; }
     std::uint64_t allowed() const { return allowed_; }
 
   private:
@@ -96,12 +96,9 @@ class NewProperties {
     explicit NewProperties(Room& room)
         : room_(room) {}
 
-    // `plain_name` is the name where the section's code page does not hold `name`. Does nothing
-    // once there is no room.
+    // `plain_name` is the name where the section's code page does not hold `name`. Throws 8140 when
+    // there is no room.
     void add(const std::string& name, const std::string& plain_name, const std::string& value) {
-        if (room_.is_exceeded()) {
-            return;
-        }
         WideString wide_value = wide_from_ansi(value);
         const auto [known, is_new] = by_name_.try_emplace(name, names_.size());
         if (!is_new) {
@@ -111,9 +108,7 @@ class NewProperties {
         }
         const std::uint64_t size =
             kSmallestProperty + name.size() / kBytesOfAUnit + sizeof(WCHAR) * wide_value.size();
-        if (!room_.take(std::max(size, room_.allowed() / kMostProperties))) {
-            return;
-        }
+        room_.take(std::max(size, room_.allowed() / kMostProperties));
         names_.push_back(wide_from_ansi(name));
         if (!is_ascii(names_.back())) {
             plain_names_.try_emplace(specs_.size(), wide_from_ansi(plain_name));
@@ -172,9 +167,6 @@ class PropertyWriter {
         , copy_path_(std::move(copy_path))
         , room_(section.stream_size()) {}
 
-    // What has to be written does not fit; nothing more was written then.
-    const Room& room() const { return room_; }
-
     void write_ids(std::int32_t flags) {
         const bool from_document = state().ids_in_document;
         NewProperties added(room_);
@@ -186,9 +178,6 @@ class PropertyWriter {
         if ((flags & kFlagTargetFileId) != 0 || from_document) {
             const std::string name(kTargetFileIdName);
             added.add(name, name, id_text(state().target_file_id));
-        }
-        if (room_.is_exceeded()) {
-            return;
         }
         throw_com_result(section_->Commit(STGC_DEFAULT));
         added.write_to(section_);
@@ -213,9 +202,6 @@ class PropertyWriter {
         const bool links_wanted = (flags & kFlagLinks) != 0;
         for (std::size_t k = 0; links_wanted && k < list.entries.size(); ++k) {
             set_address(list.entries[k], static_cast<std::int32_t>(k));
-            if (room_.is_exceeded()) {
-                return;
-            }
         }
         bytes::Bytes blob = build_hyperlink_list(list);
         PROPSPEC spec{};
@@ -341,11 +327,6 @@ std::int32_t j_writeLinkIdsToProperties(IStorage* root, std::int32_t flags) {
     PropertyWriter writer(section, copy_path);
     run([&] { writer.write_ids(flags); });
     run([&] { writer.write_hyperlink_list(flags); });
-    if (writer.room().is_exceeded()) {
-        v_setErrorParamNumbers(static_cast<std::int32_t>(writer.room().taken()),
-                               static_cast<std::int32_t>(writer.room().allowed()));
-        return status::kDamaged;
-    }
     return j_translateComError(section->Commit(STGC_DEFAULT));
 }
 

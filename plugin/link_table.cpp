@@ -16,6 +16,8 @@ namespace {
 
 // The least that a link takes in the document stream: a reference to an external object.
 constexpr std::uint64_t kSmallestLink = 12;
+// A small presentation may name a page twice.
+constexpr std::uint64_t kUsualText = std::uint64_t{1} << 20;
 
 std::uint64_t type_and_id(const LinkRecord& object) {
     return std::uint64_t{object.record_type} << 32 | object.external_object_id;
@@ -33,7 +35,7 @@ void give_back(Container& container) noexcept {
 void LinkTable::set_stream_size(std::uint64_t bytes) {
     most_links_ =
         static_cast<std::size_t>(std::min<std::uint64_t>(bytes / kSmallestLink, kMostLinks));
-    most_text_ = bytes;
+    most_text_ = bytes + kUsualText;
 }
 
 void LinkTable::count_text(std::size_t bytes) {

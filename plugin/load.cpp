@@ -55,8 +55,6 @@ std::int32_t read_presentation(ComPtr<IStorage> root, std::int32_t flags) {
     v_logLine("Object array has been created");
     if (presentation.has_user_edit()) {
         plugin.links.set_document_persist_id(presentation.current_user_edit().document_persist_id);
-    }
-    if (presentation.ps_getDocumentStream() != nullptr) {
         plugin.links.set_stream_size(presentation.readable_size());
     }
     std::int32_t status = j_findLinks(presentation, flags);

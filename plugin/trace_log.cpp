@@ -26,6 +26,16 @@ std::string executable_path() {
     return path;
 }
 
+// Every line end becomes CR LF.
+void write_text(std::string_view text) {
+    for (std::size_t end = text.find('\n'); end != std::string_view::npos; end = text.find('\n')) {
+        std::fwrite(text.data(), 1, end, log_file.get());
+        std::fwrite("\r\n", 1, 2, log_file.get());
+        text.remove_prefix(end + 1);
+    }
+    std::fwrite(text.data(), 1, text.size(), log_file.get());
+}
+
 } // namespace
 
 std::string log_path_for(const std::string& executable) {
@@ -55,9 +65,9 @@ void v_logLine(std::string_view text, std::string_view argument) {
     if (log_file == nullptr) {
         return;
     }
-    for (const std::string_view part : {text, argument, std::string_view("\r\n")}) {
-        std::fwrite(part.data(), 1, part.size(), log_file.get());
-    }
+    write_text(text);
+    write_text(argument);
+    write_text("\n");
 }
 
 } // namespace ppt

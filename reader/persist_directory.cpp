@@ -41,15 +41,16 @@ void for_each_entry(const Block& block, Visit visit) {
 
 std::uint32_t PersistDirectory::n_lookupPersistId(std::uint32_t id) const {
     std::uint32_t offset = kNoOffset;
+    bool listed = false;
     for (const Block& block : blocks_) {
         for_each_entry(block, [&](const Entry& entry) {
-            const bool lists = entry.first <= id && id - entry.first < entry.present;
-            if (lists) {
+            listed = entry.first <= id && id - entry.first < entry.present;
+            if (listed) {
                 offset = block[entry.offsets + (id - entry.first)];
             }
-            return !lists;
+            return !listed;
         });
-        if (offset != kNoOffset) {
+        if (listed) {
             break;
         }
     }

@@ -111,7 +111,9 @@ void PptPresentation::v_readPersistDirectory() {
     std::uint32_t offset = current_user_.offset_to_current_edit;
     do {
         const bool returned_to_an_edit = !edits_seen.insert(offset).second;
-        const bool edits_overlap = edits_seen.size() * kStoredEditSize > readable_size();
+        // A stream too short for a single edit is told by the read of it.
+        const bool edits_overlap =
+            edits_seen.size() > 1 && edits_seen.size() * kStoredEditSize > readable_size();
         if (returned_to_an_edit || edits_overlap) {
             throw static_cast<int>(status::kDamaged);
         }
@@ -233,12 +235,14 @@ void PptPresentation::v_readDocument(std::span<std::uint8_t> out) {
     }
 }
 
-void PptPresentation::v_requireDocumentBytes(std::uint32_t count) {
+bool PptPresentation::b_holdsDocumentBytes(std::uint32_t count) {
     const std::uint64_t size = readable_size();
     const std::uint64_t position = n_tellDocument();
-    const bool inside =
-        position <= size && count <= size - position && std::in_range<std::int32_t>(count);
-    if (!inside) {
+    return position <= size && count <= size - position && std::in_range<std::int32_t>(count);
+}
+
+void PptPresentation::v_requireDocumentBytes(std::uint32_t count) {
+    if (!b_holdsDocumentBytes(count)) {
         throw static_cast<int>(status::kDamaged);
     }
 }

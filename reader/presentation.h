@@ -73,7 +73,9 @@ class PptPresentation {
     void v_skipDocument(std::int32_t count);
     // Reads exactly `out`; 8140 where the stream ends before.
     void v_readDocument(std::span<std::uint8_t> out);
-    // Throws 8140 unless the stream holds `count` more bytes and a seek can skip them.
+    // Whether the stream holds `count` more bytes and a seek can skip them.
+    bool b_holdsDocumentBytes(std::uint32_t count);
+    // Throws 8140 unless it does.
     void v_requireDocumentBytes(std::uint32_t count);
     // As the compound file says.
     std::uint64_t document_size();

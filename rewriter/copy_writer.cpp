@@ -51,19 +51,21 @@ void CopyWriter::overwrite(std::uint32_t position, bytes::View data) {
     write_at(position, data);
 }
 
-void CopyWriter::copy(PptPresentation& source, std::uint32_t count) {
-    source.v_requireDocumentBytes(count);
-    if (count <= kSmallCopy) {
+std::int32_t CopyWriter::copy(PptPresentation& source, std::uint32_t count) {
+    if (count <= kSmallCopy && source.b_holdsDocumentBytes(count)) {
         bytes::Bytes buffer(count);
         source.v_readDocument(buffer);
         write(buffer);
-        return;
+        return status::kSuccess;
     }
     flush();
     require_success(j_seekStream("", stream_, static_cast<std::int32_t>(start_), 0));
-    require_success(
-        j_copyStream(source.ps_getDocumentStream(), stream_, static_cast<std::int32_t>(count)));
-    start_ += count;
+    const std::int32_t status =
+        j_copyStream(source.ps_getDocumentStream(), stream_, static_cast<std::int32_t>(count));
+    if (status == status::kSuccess) {
+        start_ += count;
+    }
+    return status;
 }
 
 void CopyWriter::flush() {

@@ -29,9 +29,10 @@ class CopyWriter {
     // Overwrites bytes that were written before, at most up to `tell`.
     void overwrite(std::uint32_t position, bytes::View data);
 
-    // Copies `count` bytes from the current position of the presentation's document stream. Large
-    // stretches go from stream to stream without passing through memory.
-    void copy(PptPresentation& source, std::uint32_t count);
+    // Copies `count` bytes from the current position of the presentation's document stream and
+    // returns a status code: 7180 with path, bytes read and bytes asked for where that stream ends
+    // before. Large stretches go from stream to stream without passing through memory.
+    std::int32_t copy(PptPresentation& source, std::uint32_t count);
 
     void flush();
 

@@ -101,7 +101,9 @@ PptRecord* next_object(RewriteCopy& copy, PptRecord& list) {
         }
     }
     copy.loaded.v_seekDocument(list.position + kRecordHeaderSize + list.consumed);
-    copy.writer.copy(copy.loaded, list.header.length - list.consumed);
+    const std::uint32_t rest = list.header.length - list.consumed;
+    copy.loaded.v_requireDocumentBytes(rest);
+    require_success(copy.writer.copy(copy.loaded, rest));
     copy.v_notePositions();
     return nullptr;
 }

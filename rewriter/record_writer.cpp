@@ -1,6 +1,7 @@
 #include "rewriter/record_writer.h"
 
 #include "common_new/common/conversion.h"
+#include "plugin/failure.h"
 #include "plugin/status.h"
 #include "reader/utf16.h"
 
@@ -13,7 +14,7 @@ void v_writeRecord(RewriteCopy& copy, const PptRecord& record) {
     if (record.header.is_container()) {
         copy.loaded.v_seekDocument(record.position);
         copy.loaded.v_requireDocumentBytes(record.header.length);
-        copy.writer.copy(copy.loaded, record.header.length + kRecordHeaderSize);
+        require_success(copy.writer.copy(copy.loaded, record.header.length + kRecordHeaderSize));
     } else {
         copy.writer.write(encode_record_header(record.header));
         copy.writer.write(record.body);

@@ -90,17 +90,22 @@ std::int32_t rewrite_or_keep(RewriteCopy& copy, std::uint32_t id, std::uint32_t 
 }
 
 // Brings what stands between the last rewritten object and the next one behind what was written.
-void move_up_to(RewriteCopy& copy, std::uint32_t old_offset) {
+// Returns the status code of the copying.
+std::int32_t move_up_to(RewriteCopy& copy, std::uint32_t old_offset) {
     const bool inside_rewritten_object = old_offset < copy.loaded_position;
     if (inside_rewritten_object) {
         throw static_cast<int>(status::kDamaged);
     }
     copy.loaded.v_seekDocument(copy.loaded_position);
-    copy.writer.copy(copy.loaded, old_offset - copy.loaded_position);
+    const std::int32_t status = copy.writer.copy(copy.loaded, old_offset - copy.loaded_position);
+    if (status != status::kSuccess) {
+        return status;
+    }
     copy.v_notePositions();
     if (copy.first_moved_offset == 0) {
         copy.first_moved_offset = copy.copy_position;
     }
+    return status::kSuccess;
 }
 
 // Of the ids that share an object, the one that its links know as their holder.
@@ -124,14 +129,14 @@ bool leads_nowhere(const RewriteCopy& copy, std::uint32_t offset) {
     return state().keeps_going() && (is_unread_part || offset >= copy.loaded.document_size());
 }
 
-void rewrite_objects(RewriteCopy& copy, std::int32_t flags) {
+std::int32_t rewrite_objects(RewriteCopy& copy, std::int32_t flags) {
     const PersistDirectory& objects = copy.loaded.persist_directory();
     PersistDirectory& moved_objects = copy.copy.persist_directory();
     const std::uint32_t document = copy.loaded.current_user_edit().document_persist_id;
     std::uint32_t offset = kNoOffset;
     for (;;) {
         if (objects.n_nextObjectByOffset(offset) < 0) {
-            return;
+            return status::kSuccess;
         }
         if (leads_nowhere(copy, offset)) {
             continue;
@@ -140,7 +145,10 @@ void rewrite_objects(RewriteCopy& copy, std::int32_t flags) {
         copy.extents.add(copy.loaded, offset);
         const std::vector<std::uint32_t> ids = objects.ids_at(offset);
         if (copy.has_written()) {
-            move_up_to(copy, offset);
+            const std::int32_t status = move_up_to(copy, offset);
+            if (status != status::kSuccess) {
+                return status;
+            }
             // Ids that share an object move together, though it is visited only once.
             for (const std::uint32_t id : ids) {
                 moved_objects.v_setObjectOffset(id, copy.copy_position);
@@ -160,14 +168,18 @@ void rewrite_objects(RewriteCopy& copy, std::int32_t flags) {
 }
 
 // Everything behind the last object that was visited.
-void move_rest(RewriteCopy& copy) {
+std::int32_t move_rest(RewriteCopy& copy) {
     if (copy.has_written()) {
         copy.loaded.v_seekDocument(copy.loaded_position);
         const std::uint64_t rest = copy.loaded.document_size() - copy.loaded_position;
-        copy.writer.copy(copy.loaded, static_cast<std::uint32_t>(rest));
+        const std::int32_t status = copy.writer.copy(copy.loaded, static_cast<std::uint32_t>(rest));
+        if (status != status::kSuccess) {
+            return status;
+        }
         copy.v_notePositions();
     }
     copy.writer.flush();
+    return status::kSuccess;
 }
 
 std::int32_t set_document_size(PptPresentation& copy, std::uint32_t size) {
@@ -206,12 +218,17 @@ void require_whole_stream(PptPresentation& loaded) {
 std::int32_t j_rewriteLinks(PptPresentation& copy_presentation, std::int32_t flags) {
     require_whole_stream(*state().presentation);
     RewriteCopy copy(*state().presentation, copy_presentation);
-    rewrite_objects(copy, flags);
+    std::int32_t status = rewrite_objects(copy, flags);
+    if (status != status::kSuccess) {
+        return status;
+    }
     state().links_not_written =
         (flags & kFlagLinks) != 0 ? links_not_written(copy) : std::vector<std::uint32_t>();
-    move_rest(copy);
-    const std::uint32_t size = n_writePersistDirectory(copy);
-    const std::int32_t status = set_document_size(copy_presentation, size);
+    status = move_rest(copy);
+    if (status != status::kSuccess) {
+        return status;
+    }
+    status = set_document_size(copy_presentation, n_writePersistDirectory(copy));
     if (status != status::kSuccess) {
         return status;
     }

@@ -31,6 +31,22 @@ bool master_folder(const char* master, std::string& folder) {
            n_makePath(&folder, kPathCapacity, parts.drive, parts.directory, {}, {}) == 0;
 }
 
+// The process's current directory, which the drive remembers from then on: the system completes
+// "Q:a.doc" by what it finds under the name "=Q:" in the process's environment.
+bool make_current(const std::string& folder) {
+    if (SetCurrentDirectoryA(folder.c_str()) == FALSE) {
+        return false;
+    }
+    std::array<char, kPathCapacity> current{};
+    const DWORD length = GetCurrentDirectoryA(static_cast<DWORD>(current.size()), current.data());
+    const bool on_a_drive = length > 1 && length < current.size() && current[1] == ':';
+    if (on_a_drive) {
+        const char name[] = {'=', current[0], ':', '\0'};
+        return SetEnvironmentVariableA(name, current.data()) != FALSE;
+    }
+    return true;
+}
+
 // Looks for a path that names no file as a file with an item behind it; on success the item is cut.
 std::int32_t find_without_item(std::string& path) {
     ComPtr<IBindCtx> context;
@@ -69,7 +85,7 @@ std::int32_t j_accessTarget(const char* pc_targetFile, const char* pc_masterFile
     if (!b_checkLength(pc_targetFile, static_cast<std::int32_t>(kPathCapacity))) {
         return status::kTextTooLong;
     }
-    if (SetCurrentDirectoryA(folder.c_str()) == FALSE) {
+    if (!make_current(folder)) {
         v_setErrorParamText(folder);
         return status::kPathNotFound;
     }

@@ -104,7 +104,7 @@ class Editor {
   private:
     void write(bytes::Cursor& input) {
         const Assignment assignment{key(input, before_), value(input)};
-        section_.write({&assignment, 1}, kFirstOrdinaryId);
+        section_.write({&assignment, 1}, kFirstOrdinaryId, kMaxStreamSize);
         const std::optional<PropertyId> written = section_.resolve(assignment.key);
         require(written && section_.read(*written) == assignment.value,
                 "a value that was written can be read");

@@ -85,7 +85,7 @@ HRESULT STDMETHODCALLTYPE PropertyStorage::WriteMultiple(ULONG count, const PROP
         for (ULONG i = 0; i < count; ++i) {
             assignments.push_back({key_of(specs[i]), value_of(values[i])});
         }
-        set_.section().write(assignments, first_new_id);
+        set_.write(assignments, first_new_id);
         return S_OK;
     });
 }

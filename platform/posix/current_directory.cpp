@@ -11,6 +11,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <string_view>
 #include <unistd.h>
 
 namespace platform {
@@ -31,6 +32,10 @@ char upper(char letter) {
     return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
 }
 
+bool is_on_drive(const FullPath& path, char letter) {
+    return path.root == FullPath::Root::drive && upper(path.head[0]) == upper(letter);
+}
+
 } // namespace
 
 std::string native_working_directory() {
@@ -46,9 +51,12 @@ FullPath current_directory() {
 }
 
 FullPath directory_of_drive(char letter) {
-    const auto remembered = directories().of_drive.find(upper(letter));
+    const Directories& known = directories();
+    const auto remembered = known.of_drive.find(upper(letter));
     FullPath path;
-    if (remembered != directories().of_drive.end()) {
+    if (known.current && is_on_drive(*known.current, letter)) {
+        path = *known.current;
+    } else if (remembered != known.of_drive.end()) {
         path = remembered->second;
     }
     path.root = FullPath::Root::drive;
@@ -65,17 +73,24 @@ BOOL change_directory(const char* path) {
     }
     FullPath full = full_path(path);
     full.ends_with_separator = false;
-    Directories changed = directories(); // first, so that nothing can fail behind the change
-    if (full.root == FullPath::Root::drive) {
-        changed.of_drive[upper(full.head[0])] = full;
-    }
-    changed.current = std::move(full);
     if (chdir(native.c_str()) != 0) {
         const int number = errno;
         SetLastError(number == ENOTDIR ? ERROR_DIRECTORY : path_error_of_errno(number, native));
         return FALSE;
     }
-    directories() = std::move(changed);
+    directories().current = std::move(full);
+    return TRUE;
+}
+
+BOOL remember_directory(std::string_view name, const char* value) {
+    const bool names_a_drive = name.size() == 3 && name[0] == '=' && name[2] == ':';
+    FullPath full = full_path(value);
+    full.ends_with_separator = false;
+    if (!names_a_drive || !is_on_drive(full, name[1])) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return FALSE;
+    }
+    directories().of_drive[upper(name[1])] = std::move(full);
     return TRUE;
 }
 
@@ -96,4 +111,13 @@ BOOL SetCurrentDirectoryA(const char* path) {
     }
     return platform::guarded_by_last_error(FALSE,
                                            [path] { return platform::change_directory(path); });
+}
+
+BOOL SetEnvironmentVariableA(const char* name, const char* value) {
+    if (name == nullptr || value == nullptr) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return FALSE;
+    }
+    return platform::guarded_by_last_error(
+        FALSE, [=] { return platform::remember_directory(name, value); });
 }

@@ -1,7 +1,7 @@
 // The current directory as the documents would write it, kept beside the process's own: the text
 // that SetCurrentDirectoryA was given (Z:\talks) while the process stands in the folder of this
-// machine that it means. Until the first such call it is the process's working directory. Each
-// drive remembers the directory that was last current on it.
+// machine that it means. Until the first such call it is the process's working directory. A
+// drive remembers the directory that SetEnvironmentVariableA gives it.
 #pragma once
 
 #include "platform/posix/full_path.h"
@@ -10,7 +10,8 @@ namespace platform {
 
 FullPath current_directory();
 
-// The root of the drive when no directory on it has been current.
+// The current directory when it is on the drive, else the one that the drive remembers, else its
+// root.
 FullPath directory_of_drive(char letter);
 
 // The process's working directory in the bytes of the file system; "/" when it has none any more.

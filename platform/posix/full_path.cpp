@@ -164,7 +164,8 @@ bool is_relative(std::string_view path) {
 } // namespace platform
 
 DWORD GetFullPathNameA(const char* path, DWORD size, char* buffer, char** file_part) {
-    if (path == nullptr || *path == '\0') {
+    const bool names_something = path != nullptr && path[std::strspn(path, " ")] != '\0';
+    if (!names_something) {
         SetLastError(path == nullptr ? ERROR_INVALID_PARAMETER : ERROR_INVALID_NAME);
         return 0;
     }

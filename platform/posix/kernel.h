@@ -52,6 +52,10 @@ DWORD GetFullPathNameA(const char* path, DWORD size, char* buffer, char** file_p
 DWORD GetCurrentDirectoryA(DWORD size, char* buffer);
 BOOL SetCurrentDirectoryA(const char* path);
 
+// Only the names "=Q:" of drives, whose values are the directories that "Q:a.doc" is taken from
+// while another drive is current; ERROR_INVALID_PARAMETER for another name or a path elsewhere.
+BOOL SetEnvironmentVariableA(const char* name, const char* value);
+
 // The executable's own path, which begins with '/'; `module` must be null.
 DWORD GetModuleFileNameA(void* module, char* buffer, DWORD size);
 

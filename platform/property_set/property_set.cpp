@@ -3,6 +3,8 @@
 
 #include "platform/base/error.h"
 
+#include <algorithm>
+
 namespace property_set {
 namespace {
 
@@ -13,8 +15,12 @@ NewSection new_section(const FormatId& format) {
     return {format, Section::fresh(format)};
 }
 
+std::size_t allowed_size(std::size_t size_before) {
+    return size_before > kMaxStreamSize ? kMaxLargeStreamSize : kMaxStreamSize;
+}
+
 void require_allowed_size(const bytes::Bytes& stream, std::size_t size_before) {
-    const std::size_t allowed = size_before > kMaxStreamSize ? kMaxLargeStreamSize : kMaxStreamSize;
+    const std::size_t allowed = allowed_size(size_before);
     if (stream.size() > allowed) {
         throw Error(Errc::too_large, "property set stream of " + std::to_string(stream.size()) +
                                          " bytes, " + std::to_string(allowed) + " allowed");
@@ -87,6 +93,12 @@ PropertySet PropertySet::reopened(bytes::Bytes stream) const {
 
 PropertySet PropertySet::reverted() const {
     return {stream_, layout_, index_, default_code_page_, created_};
+}
+
+void PropertySet::write(std::span<const Assignment> assignments, PropertyId first_new_id) {
+    const std::size_t others = stream_->size() - layout_.places[index_].extent;
+    const std::size_t allowed = allowed_size(stream_->size());
+    section_.write(assignments, first_new_id, allowed - std::min(others, allowed));
 }
 
 bytes::Bytes PropertySet::encode() const {

@@ -33,6 +33,10 @@ class PropertySet {
     const Section& section() const { return section_; }
     const StreamLayout& layout() const { return layout_; }
 
+    // As Section::write. Throws Errc::too_large, and changes nothing, where the stream would become
+    // larger than `encode` allows.
+    void write(std::span<const Assignment> assignments, PropertyId first_new_id);
+
     // Whether `encode` gives something else than the stream that this was opened on.
     bool changed() const { return created_ || section_.changed(); }
 

@@ -105,13 +105,18 @@ std::vector<Section::Property> Section::to_write() const {
     return result;
 }
 
-bytes::Bytes Section::encode() const {
-    const std::vector<Property> written = to_write();
-    const std::size_t values_at = kSectionHeaderSize + kPairSize * written.size();
-    std::uint64_t size = values_at;
+std::uint64_t Section::size_of(std::span<const Property> written) {
+    std::uint64_t size = kSectionHeaderSize + kPairSize * written.size();
     for (const Property& property : written) {
         size += aligned(property.raw.size());
     }
+    return size;
+}
+
+bytes::Bytes Section::encode() const {
+    const std::vector<Property> written = to_write();
+    const std::size_t values_at = kSectionHeaderSize + kPairSize * written.size();
+    const std::uint64_t size = size_of(written);
     if (size > kMaxLargeStreamSize) {
         throw Error(Errc::too_large, "property section of " + std::to_string(size) + " bytes, " +
                                          std::to_string(kMaxLargeStreamSize) + " allowed");

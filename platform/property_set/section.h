@@ -69,8 +69,10 @@ class Section {
 
     // Sets values; a name that is not there gets the next free id from `first_new_id` upwards. The
     // last value wins where a property is named twice. Throws Errc::invalid_argument for a
-    // reserved id and for what does not convert, invalid_name, too_large when ids run out.
-    void write(std::span<const Assignment> assignments, PropertyId first_new_id);
+    // reserved id and for what does not convert, invalid_name, too_large when ids run out or the
+    // section would take more than `most_bytes`.
+    void write(std::span<const Assignment> assignments, PropertyId first_new_id,
+               std::size_t most_bytes);
 
     // Removes the property and its name; one that is not there is no failure. Throws
     // Errc::invalid_argument for a reserved id.
@@ -101,12 +103,23 @@ class Section {
         : text_(text)
         , dictionary_(text, case_matters) {}
 
+    // A property to be made: its name in both forms, and its value.
+    struct NewProperty {
+        std::u16string name;
+        bytes::Bytes encoded_name;
+        RawBytes value;
+    };
+    using NewValue = std::pair<PropertyId, RawBytes>; // of a property that has an id
+
     const Property* property(PropertyId id) const;
     bytes::Bytes encode_name(std::u16string_view name) const;
     void require_writable() const;
     void set_value(PropertyId id, RawBytes raw);
+    void require_room(std::span<const NewValue> known, std::span<const NewProperty> made,
+                      std::size_t most_bytes) const;
     // The properties that encode() writes, in the order of the pairs.
     std::vector<Property> to_write() const;
+    static std::uint64_t size_of(std::span<const Property> written);
 
     SectionText text_;
     Dictionary dictionary_;

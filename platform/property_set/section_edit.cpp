@@ -19,13 +19,6 @@ void require_ordinary(PropertyId id) {
     }
 }
 
-// A property to be made: its name in both forms, and its value.
-struct NewProperty {
-    std::u16string name;
-    bytes::Bytes encoded_name;
-    RawBytes value;
-};
-
 } // namespace
 
 void Section::require_writable() const {
@@ -63,9 +56,29 @@ void Section::set_value(PropertyId id, RawBytes raw) {
     }
 }
 
-void Section::write(std::span<const Assignment> assignments, PropertyId first_new_id) {
+void Section::require_room(std::span<const NewValue> known, std::span<const NewProperty> made,
+                           std::size_t most_bytes) const {
+    std::uint64_t size = size_of(to_write());
+    std::uint64_t replaced = 0;
+    for (const auto& [id, value] : known) {
+        const Property* old = property(id);
+        size += old == nullptr ? kPairSize + aligned(value.size()) : aligned(value.size());
+        replaced += old == nullptr ? 0 : aligned(old->raw.size());
+    }
+    for (const NewProperty& added : made) {
+        const std::size_t entry_size = kPairSize + aligned(added.encoded_name.size());
+        size += kPairSize + aligned(added.value.size()) + entry_size;
+    }
+    if (size > most_bytes + replaced) {
+        throw Error(Errc::too_large, "property section of " + std::to_string(size - replaced) +
+                                         " bytes, " + std::to_string(most_bytes) + " allowed");
+    }
+}
+
+void Section::write(std::span<const Assignment> assignments, PropertyId first_new_id,
+                    std::size_t most_bytes) {
     require_writable();
-    std::vector<std::pair<PropertyId, RawBytes>> known;
+    std::vector<NewValue> known;
     known.reserve(assignments.size());
     std::vector<NewProperty> made;
     std::map<std::u16string, std::size_t> made_by_key;
@@ -83,6 +96,7 @@ void Section::write(std::span<const Assignment> assignments, PropertyId first_ne
         }
         made[found->second].value = std::move(value);
     }
+    require_room(known, made, most_bytes);
 
     std::vector<PropertyId> used;
     dictionary_.append_ids(used);

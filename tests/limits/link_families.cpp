@@ -142,12 +142,12 @@ Bytes many_short_texts(std::size_t count) {
 }
 
 constexpr Family kFamilies[] = {
-    {"HyperlinksUsedOnce", hyperlinks_used_once, kMost, {}, {0, 8140}},
-    {"HyperlinksWithoutTarget", hyperlinks_without_target, kMost, {}, {0, 8140}},
-    {"HyperlinksWithAShortTarget", hyperlinks_with_a_short_target, kMost, {}, {0, 8140}},
-    {"HyperlinkUsedOften", hyperlink_used_often, kMost, {}, {0, 8140}},
-    {"LongHyperlinkUsedOften", long_hyperlink_used_often, kMost / 4, {}, {0, 8140}},
-    {"VideoListWithManyVideos", video_list_with_many_videos, kMost / 4, {}, {0, 8140}},
+    {"HyperlinksUsedOnce", hyperlinks_used_once, kMost},
+    {"HyperlinksWithoutTarget", hyperlinks_without_target, kMost},
+    {"HyperlinksWithAShortTarget", hyperlinks_with_a_short_target, kMost},
+    {"HyperlinkUsedOften", hyperlink_used_often, kMost},
+    {"LongHyperlinkUsedOften", long_hyperlink_used_often, kMost / 4},
+    {"VideoListWithManyVideos", video_list_with_many_videos, kMost / 4},
     {"LinksOverOneText", links_over_one_text, kMost / 25},
     {"LinksOverParagraphMarks", links_over_paragraph_marks, kMost / 25},
     {"LinksOverWideCharacters", links_over_wide_characters, kMost / 25},

@@ -147,6 +147,39 @@ TEST_F(LinkPropertiesTest, RecordsAndHyperlinkListChangeTogetherOrNotAtAll) {
     }
 }
 
+TEST_F(LinkPropertiesTest, WhatHasNoRoomAmongThePropertiesCostsNoLink) {
+    constexpr std::int32_t kLinks = 600;
+    const std::vector<ListedHyperlink> listed(kLinks, {u"C:\\old.doc"});
+    Deck deck;
+    Page& slide = deck.add_slide();
+    for (std::int32_t i = 0; i < kLinks; ++i) {
+        slide.shape(Shape().link(deck.hyperlink(u"C:\\old.doc")));
+    }
+    deck.properties(PropertyStream()
+                        .blob(u"_PID_HLINKS", presentation_builder::hyperlink_list(listed))
+                        .build());
+    ASSERT_EQ(load(deck), 0);
+    const auto long_path = [](std::int32_t i) {
+        return "D:\\" + std::string(1000, 'x') + std::to_string(i);
+    };
+    for (std::int32_t i = 0; i < kLinks; ++i) {
+        const id64 given = id(1000 + static_cast<std::uint32_t>(i));
+        ASSERT_EQ(j_setLinkFileName(i, long_path(i).c_str(), 0), 0);
+        ASSERT_EQ(j_setLinkId(i, 0, &given), 0);
+    }
+    ASSERT_EQ(rewrite("out.ppt"), 0);
+
+    const StoredFile copy(path("out.ppt"));
+    const Bytes properties =
+        copy.stream(std::u16string(presentation_builder::kDocumentSummaryInformation));
+    EXPECT_EQ(stored_list(properties).entries.at(0).target(), WIDE("C:\\old.doc"));
+    ASSERT_EQ(load_again("out.ppt"), 0);
+    for (std::int32_t i = 0; i < kLinks; ++i) {
+        ASSERT_EQ(link_path(i), long_path(i));
+        ASSERT_EQ(link_id(i), 0u);
+    }
+}
+
 TEST_F(LinkPropertiesTest, IdsOfTargetsBelowThePresentationsOwnFolderAreFoundAgain) {
     const std::u16string folder = [this] {
         const std::string native = folder_.string();

@@ -212,12 +212,12 @@ TEST_F(LoadTest, EmptyPagesAndEmptyDrawingsAreSkipped) {
 
 TEST_F(LoadTest, EveryStepIsLogged) {
     Deck deck;
-    deck.add_slide().shape(Shape().link(deck.hyperlink(u"C:\\a.doc")));
+    deck.add_slide().shape(Shape().link(deck.hyperlink(u"C:\\a\n.doc")));
     const std::size_t before = log_lines().size();
     ASSERT_EQ(load(deck), 0);
     EXPECT_EQ(log_lines(before),
               (Paths{"Loading file " + path("deck.ppt"), "Persist directory has been read",
-                     "Object array has been created", "Adding link to file C:\\a.doc",
+                     "Object array has been created", "Adding link to file C:\\a", ".doc",
                      "Link paths have been obtained", "Retrieving linkIDs from Document Properties",
                      "LinkIds have been retrieved", "File has been loaded, j_status=0"}));
 }
@@ -262,6 +262,11 @@ const Damage kDamages[] = {
     {"user edit behind the end",
      [](Deck& deck) { deck.replace_current_user(current_user_atom(0x00FFFFFF)); },
      status::kShortRead},
+    {"stream that ends inside the header of the user edit",
+     [](Deck& deck) {
+         deck.replace_document_stream(Bytes(10)).replace_current_user(current_user_atom(4));
+     },
+     status::kShortRead},
     {"ring of user edits",
      [](Deck& deck) {
          const auto edit = deck.offset_of_user_edit(0);
@@ -282,6 +287,13 @@ const Damage kDamages[] = {
     {"document not listed",
      [](Deck& deck) {
          deck.replace_document_stream(patched(deck, deck.offset_of_user_edit(0) + 8 + 16, 77));
+     },
+     status::kSeekFromStartFailed},
+    {"document listed nowhere by the newest directory",
+     [](Deck& deck) {
+         deck.touch_document().document_stream();
+         const auto entry = deck.offset_of_persist_directory(1) + 8;
+         deck.replace_document_stream(patched(deck, entry + 4, 0xFFFFFFFF));
      },
      status::kSeekFromStartFailed},
     {"document of another type",

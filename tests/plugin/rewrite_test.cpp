@@ -345,6 +345,25 @@ TEST_F(RewriteTest, ContainersInThePlaceOfStringsAreNeverTakenForText) {
     EXPECT_EQ(rewrite("videos.ppt"), status::kDamaged);
 }
 
+TEST_F(RewriteTest, AnObjectBehindTheEndOfTheStreamEndsTheCopying) {
+    Deck deck;
+    constexpr std::uint32_t kNowhere = 0x00100000;
+    Page& slide = deck.add_slide();
+    slide.shape(Shape().link(deck.hyperlink(u"C:\\a.doc")));
+    deck.directory_entry({9, kNowhere});
+    ASSERT_EQ(load(deck), 0);
+    ASSERT_EQ(j_setLinkFileName(0, "C:\\changed", 0), 0);
+    const std::size_t before = log_lines().size();
+    EXPECT_EQ(rewrite("out.ppt"), status::kShortRead);
+    const std::uint32_t copied_from = deck.offset_of(slide);
+    EXPECT_EQ(error_params(), path("deck.ppt") + "|" +
+                                  std::to_string(deck.document_stream().size() - copied_from) +
+                                  "|" + std::to_string(kNowhere - copied_from));
+    EXPECT_EQ(log_lines(before),
+              (Paths{"Rewriting file " + path("deck.ppt"), "Link paths have been rewritten",
+                     "File has been rewritten, j_status=7180"}));
+}
+
 TEST_F(RewriteTest, WithoutAChangeOnlyTheEndOfTheStreamIsWritten) {
     Deck deck;
     deck.skip_persist_ids(2);

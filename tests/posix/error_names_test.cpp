@@ -30,6 +30,9 @@ TEST(ErrorNames, OneOfEachFamily) {
     EXPECT_STREQ(error_name(0x800B0101), "CERT_E_EXPIRED");
     EXPECT_STREQ(error_name(0x80096001), "TRUST_E_SYSTEM_ERROR");
     EXPECT_STREQ(error_name(0x80040154), "REGDB_E_CLASSNOTREG");
+    EXPECT_STREQ(error_name(0x80040201), "EVENT_E_ALL_SUBSCRIBERS_FAILED");
+    EXPECT_STREQ(error_name(0x800A0005), "CTL_E_ILLEGALFUNCTIONCALL");
+    EXPECT_STREQ(error_name(0x800A02DF), "CTL_E_CANTSAVEFILETOTEMP"); // 735
 }
 
 TEST(ErrorNames, CodesWithoutAName) {
@@ -40,7 +43,7 @@ TEST(ErrorNames, CodesWithoutAName) {
     EXPECT_STREQ(error_name(0xFFFFFFFF), "Unknown or new error");
     // What applications define for themselves.
     EXPECT_STREQ(error_name(0x80040200), "");
-    EXPECT_STREQ(error_name(0x80040201), "");
+    EXPECT_STREQ(error_name(0x80040300), "");
     EXPECT_STREQ(error_name(0x800A0258), ""); // 600
 }
 

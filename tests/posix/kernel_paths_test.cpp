@@ -178,7 +178,12 @@ TEST_F(Paths, FullPathsStartFromTheCurrentDirectory) {
     ASSERT_TRUE(SetCurrentDirectoryA("\\\\srv\\pub\\talks"));
     EXPECT_EQ(full_path("a.gif"), "\\\\srv\\pub\\talks\\a.gif");
     EXPECT_EQ(full_path("\\a.gif"), "\\\\srv\\pub\\a.gif");
-    EXPECT_EQ(full_path("Z:a.gif"), "Z:\\talks\\a.gif"); // the drive remembers
+    EXPECT_EQ(full_path("Z:a.gif"), "Z:\\a.gif");
+    ASSERT_TRUE(SetEnvironmentVariableA("=z:", "Z:\\talks"));
+    EXPECT_EQ(full_path("Z:a.gif"), "Z:\\talks\\a.gif");
+    EXPECT_FALSE(SetEnvironmentVariableA("=Z:", "C:\\talks"));
+    EXPECT_FALSE(SetEnvironmentVariableA("PATH", "Z:\\talks"));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
 
     ASSERT_TRUE(SetCurrentDirectoryA(at("talks").c_str()));
     EXPECT_EQ(full_path("img\\a.gif"), at("talks/img/a.gif"));
@@ -194,8 +199,10 @@ TEST_F(Paths, TheFullPathBufferRule) {
     EXPECT_STREQ(file, "b.c");
     EXPECT_EQ(GetFullPathNameA("C:\\a\\", 9, buffer, &file), 5u);
     EXPECT_EQ(file, nullptr);
-    EXPECT_EQ(GetFullPathNameA("", 9, buffer, nullptr), 0u);
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_NAME);
+    for (const char* const nothing : {"", "   "}) {
+        EXPECT_EQ(GetFullPathNameA(nothing, 9, buffer, nullptr), 0u);
+        EXPECT_EQ(GetLastError(), ERROR_INVALID_NAME);
+    }
 }
 
 TEST_F(Paths, TheCurrentDirectoryIsKeptAsItWasGiven) {

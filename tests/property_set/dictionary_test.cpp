@@ -88,7 +88,7 @@ TEST(Dictionary, ANameThatThePageLacksIsRefusedBeforeAnythingChanges) {
              1252, 4711}) { // the second cannot be converted at all
         PropertySet set = open_user(named_stream(code_page, {{2, latin("a")}}));
         const Assignment both[]{{u"b", wide(u"1")}, {u"\u3042", wide(u"2")}};
-        EXPECT_EQ(failure_of([&] { set.section().write(both, 2); }), platform::Errc::invalid_name);
+        EXPECT_EQ(failure_of([&] { set.write(both, 2); }), platform::Errc::invalid_name);
         EXPECT_FALSE(set.changed());
         rename(set, 2, u"ascii");
         EXPECT_EQ(names_of(open_user(set.encode())), std::vector<std::u16string>{u"ascii"});

@@ -23,7 +23,7 @@ inline Value wide(std::u16string text) {
 
 inline void put(PropertySet& set, PropertyKey key, Value value) {
     const Assignment assignment{std::move(key), std::move(value)};
-    set.section().write({&assignment, 1}, kFirstOrdinaryId);
+    set.write({&assignment, 1}, kFirstOrdinaryId);
 }
 
 inline void drop(PropertySet& set, PropertyKey key) {

@@ -61,7 +61,7 @@ TEST(NewIds, AreTheSmallestThatNothingUses) {
                                {PropertyId{8}, wide(u"3")},
                                {u"A", wide(u"4")},
                                {u"c", wide(u"5")}};
-    set.section().write(request, 2);
+    set.write(request, 2);
     EXPECT_EQ(id_of(set, u"a"), 3u);
     EXPECT_EQ(id_of(set, u"b"), 6u) << "4 has a name, 5 a companion";
     EXPECT_EQ(id_of(set, u"c"), 9u) << "7 has a value, 8 gets one in the same request";
@@ -75,10 +75,9 @@ TEST(NewIds, EndBelowTheCompanions) {
     PropertySet set =
         open_user(raw_stream::user_stream({{1, i2(1252)}, {kCompanionBit - 2, i4(0)}}));
     const Assignment request[]{{u"a", wide(u"1")}, {u"b", wide(u"2")}};
-    EXPECT_EQ(failure_of([&] { set.section().write(request, kCompanionBit - 2); }),
-              Errc::too_large);
+    EXPECT_EQ(failure_of([&] { set.write(request, kCompanionBit - 2); }), Errc::too_large);
     EXPECT_FALSE(set.changed());
-    set.section().write({request, 1}, kCompanionBit - 2);
+    set.write({request, 1}, kCompanionBit - 2);
     EXPECT_EQ(id_of(set, u"a"), kCompanionBit - 1);
 }
 
@@ -191,7 +190,8 @@ TEST(Damage, SharedOffsetsDoNotMultiplyIntoHugeSections) {
         properties.push_back({id, {}});
     }
     PropertySet set = open_user(raw_stream::user_stream(properties));
-    put(set, u"new", wide(u"x"));
+    EXPECT_EQ(failure_of([&] { put(set, u"new", wide(u"x")); }), Errc::too_large);
+    drop(set, PropertyId{3});
     EXPECT_EQ(failure_of([&] { set.encode(); }), Errc::too_large);
 }
 
