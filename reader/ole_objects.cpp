@@ -81,9 +81,9 @@ std::string OleObjects::read_path(std::uint32_t offset, PptPresentation& present
     }
     presentation.v_seekDocument(offset);
     PptRecord storage_record(&presentation);
-    storage_record.v_readRecord();
+    storage_record.v_readRecord(RT_ExternalOleObjectStg);
     bytes_read_ += storage_record.body.size();
-    if (!storage_record.is(RT_ExternalOleObjectStg) || storages_overlap()) {
+    if (storages_overlap()) {
         throw static_cast<int>(status::kDamaged);
     }
     try {

@@ -22,6 +22,14 @@ void PptRecord::v_readRecord() {
     read_body();
 }
 
+void PptRecord::v_readRecord(RecordType type) {
+    begin_record();
+    if (!is(type)) {
+        throw static_cast<int>(status::kDamaged);
+    }
+    read_body();
+}
+
 void PptRecord::begin_record() {
     position = owner->n_tellDocument();
     consumed = 0;

@@ -33,6 +33,10 @@ class PptRecord {
     // when the body cannot be held.
     void v_readRecord();
 
+    // The same for a record that has to be of the type: throws 8140 for another one, whose body is
+    // not read.
+    void v_readRecord(RecordType type);
+
     // Reads only the header, as the first record of a walk is read: a stream that ends before it is
     // 7180 with the counts.
     void v_readHeader();
