@@ -36,9 +36,9 @@ class CopyCheck {
     CopyCheck(const LoadedPresentation& presentation, const std::vector<IndexedValue>& asked);
 
     // Nothing when the copy at the path cannot be loaded like the presentation or has not the links
-    // of the plan, which knows their ids. `not_written`, ascending: links that the
-    // rewrite told of. Throws StatusFailure when the machine is to blame: out of memory or of
-    // files, or another process keeps the copy. Cost: a load of the copy.
+    // of the plan, which knows their ids. `not_written`, ascending: links that the rewrite told of.
+    // Throws StatusFailure when the machine is to blame: out of memory or of files, or another
+    // process keeps the copy. Cost: a load of the copy.
     std::optional<CopyDifferences> differences(const Session& session, const std::string& ansi_copy,
                                                const RelinkPlan& plan,
                                                const std::vector<std::int32_t>& not_written) const;

@@ -3,7 +3,6 @@
 #include "tests/pptlinks/built_program.h"
 #include "tests/pptlinks/list_run.h"
 #include "tests/pptlinks/relink_run.h"
-#include "tests/support/ole_storage.h"
 
 #include <csignal>
 #include <sys/resource.h>
@@ -119,9 +118,7 @@ TEST_F(RelinkRun, ARewriteThatFailsHalfWayLeavesTheOldFile) {
 
 TEST_F(RelinkRun, TheWordOfTheUserIsEnoughForTheSourceOfAnObject) {
     Deck deck;
-    const std::uint32_t book = deck.ole_link(storage_record(
-        ole_storage({{kOleStreamName, ole_stream({{}, file_moniker({"C:\\old\\book.xls"})})}}),
-        true));
+    const std::uint32_t book = linked_book(deck);
     deck.add_slide().shape(Shape().object(book));
     deck.write(path("book.ppt"));
     const std::vector<std::string> relinked{"relink",  "book.ppt", "-o",

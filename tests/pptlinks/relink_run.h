@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tests/pptlinks/program_run.h"
+#include "tests/support/ole_storage.h"
 
 #include <nlohmann/json.hpp>
 
@@ -26,6 +27,13 @@ class RelinkRun : public ProgramRun {
     }
 
     void TearDown() override { EXPECT_EQ(content(path("in.ppt")), before_); }
+
+    // A linked OLE object whose source is C:\old\book.xls; returns its object id.
+    static std::uint32_t linked_book(presentation_builder::Deck& deck) {
+        using namespace presentation_builder;
+        const Bytes stream = ole_stream({{}, file_moniker({"C:\\old\\book.xls"})});
+        return deck.ole_link(storage_record(ole_storage({{kOleStreamName, stream}}), true));
+    }
 
     RunResult relink(std::vector<std::string> arguments, const std::string& out = "out.ppt") {
         std::vector<std::string> all{"relink", "in.ppt", "-o", out};

@@ -1,7 +1,6 @@
 // `pptlinks relink` as a user runs it: OUT is whole or not there, and the report says what changed.
 #include "pptlinks/copy_check.h"
 #include "tests/pptlinks/relink_run.h"
-#include "tests/support/ole_storage.h"
 
 #include <sstream>
 
@@ -113,9 +112,7 @@ TEST_F(RelinkRun, UsesOfOneObjectHaveOneId) {
 
 TEST_F(RelinkRun, WhatCouldNotBeWrittenKeepsItsId) {
     Deck deck;
-    const std::uint32_t book = deck.ole_link(storage_record(
-        ole_storage({{kOleStreamName, ole_stream({{}, file_moniker({"C:\\old\\book.xls"})})}}),
-        true));
+    const std::uint32_t book = linked_book(deck);
     deck.add_slide().shape(Shape().object(book));
     deck.add_slide().shape(Shape().object(book));
     deck.write(path("book.ppt"));
@@ -207,9 +204,7 @@ TEST_F(RelinkRun, WhatCannotBeWrittenIsNamedAndTheRestIsWritten) {
     Deck deck;
     const std::uint32_t shown = deck.hyperlink(u"C:\\old\\a.doc");
     const std::uint32_t plain = deck.hyperlink(u"C:\\old\\b.doc");
-    const std::uint32_t book = deck.ole_link(storage_record(
-        ole_storage({{kOleStreamName, ole_stream({{}, file_moniker({"C:\\old\\book.xls"})})}}),
-        true));
+    const std::uint32_t book = linked_book(deck);
     ArtProperty name = text_property(art_property::kPictureName, u"C:\\old\\map.wmf");
     name.value += 40;
     const TextRun whole[] = {{10}};
